@@ -1,0 +1,48 @@
+// The terminal as the screen layer sees it: a grid of cells to show, a cursor, and a stream of
+// key bytes. CursesTerminal talks to a real terminal; VirtualTerminal is an in-memory one for
+// tests.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace ks {
+
+struct Cell {
+  std::uint8_t ch = ' ';    // CP437 character
+  std::uint8_t attr = 0x07;  // low nibble foreground, high nibble background
+  bool operator==(const Cell&) const = default;
+};
+
+enum class CursorShape { kHidden, kUnderline };
+
+class Terminal {
+ public:
+  virtual ~Terminal() = default;
+
+  // The size in cells when the screen was opened.
+  virtual int Width() const = 0;
+  virtual int Height() const = 0;
+
+  // Shows `cells` (Width() x Height(), row by row). Only the rows marked in `dirty` changed
+  // since the last call; an empty `dirty` means all of them.
+  virtual void Present(const std::vector<Cell>& cells, const std::vector<bool>& dirty) = 0;
+
+  // Cursor shape and 1-based position, applied with the next Present.
+  virtual void SetCursor(CursorShape shape, int col, int row) = 0;
+
+  // The next key byte: a character code, or 0 followed (on the next call) by a PC scan code.
+  // Blocks until a key is pressed.
+  virtual std::uint8_t ReadByte() = 0;
+
+  // True when a key byte is waiting (never blocks).
+  virtual bool KeyWaiting() = 0;
+
+  // Monochrome rendering: attributes become plain, bold and reverse video instead of colours.
+  virtual void SetMonochrome(bool mono) = 0;
+
+  // Leaves full-screen mode; the screen content stays where the terminal keeps it.
+  virtual void Close() = 0;
+};
+
+}  // namespace ks

@@ -41,8 +41,9 @@ class Terminal {
   // Monochrome rendering: attributes become plain, bold and reverse video instead of colours.
   virtual void SetMonochrome(bool mono) = 0;
 
-  // Leaves full-screen mode; the screen content stays where the terminal keeps it.
-  virtual void Close() = 0;
+  // Leaves full-screen mode. The top `keepRows` rows of the last presented cells stay on the
+  // terminal, the rest of it is cleared and the cursor waits at the start of the next row.
+  virtual void Close(int keepRows) = 0;
 };
 
 }  // namespace ks

@@ -1,0 +1,73 @@
+#include "tui/ui.h"
+
+#include <stdexcept>
+
+#include "tui/frame.h"
+
+namespace ks {
+
+namespace {
+Ui g_ui;
+}
+
+Ui& ui() { return g_ui; }
+
+Screen& scr() {
+  if (!g_ui.screen) throw std::logic_error("no screen is open");
+  return *g_ui.screen;
+}
+
+UiScope::UiScope(Screen& screen) {
+  g_ui = Ui();
+  g_ui.screen = &screen;
+}
+
+UiScope::~UiScope() { g_ui = Ui(); }
+
+void DrawHeader() {
+  Screen& s = scr();
+  const auto& c = ui().colours;
+  DrawFrame(1, 1, s.Width(), kHeaderRows, c[kHeaderFrame], kDoubleFrame);
+  s.FillRect(2, 2, s.Width() - 1, kHeaderRows - 1, ' ', c[kHeaderText]);
+  s.WriteStr(3, 2, c[kHeaderText], ui().header_line2);
+  s.WriteStr(3, 3, c[kHeaderText], ui().header_line3);
+}
+
+void DrawDesktop() {
+  Screen& s = scr();
+  const auto& c = ui().colours;
+  DrawHeader();
+  s.FillRect(1, kHeaderRows + 1, s.Width(), s.Height() - 1, c[kBgChar], c[kBackground]);
+  ShowStatus("");
+}
+
+void ShowStatus(std::string_view text) {
+  Screen& s = scr();
+  const auto& c = ui().colours;
+  if (text.empty()) {
+    s.FillRect(1, s.Height(), s.Width(), s.Height(), ' ', c[kBottomLine]);
+    return;
+  }
+  std::string line;
+  bool key = false;
+  for (char ch : text) {
+    if (ch == '~') {
+      key = !key;
+      line += kColourEscape;
+      line += static_cast<char>(key ? c[kBottomKey] : c[kBottomText]);
+    } else {
+      line += ch;
+    }
+  }
+  s.WriteStr(1, s.Height(), c[kBottomText], line, s.Width());
+}
+
+void RequestHelp(int topic) {
+  if (ui().show_help) ui().show_help(topic);
+}
+
+void RequestPopup() {
+  if (ui().popup_enabled && ui().popup) ui().popup();
+}
+
+}  // namespace ks

@@ -1,0 +1,55 @@
+// The process-wide state of the user interface: the screen, the installed colour slots, the
+// speech-friendly flag, and the hooks through which menus reach help and the pop-up utility.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "tui/colours.h"
+#include "tui/screen.h"
+
+namespace ks {
+
+struct Ui {
+  Screen* screen = nullptr;
+  ColourSlots colours;
+  bool sfi = false;            // speech-friendly interface active
+  bool popup_enabled = false;  // Alt-Z opens the pop-up utility
+  std::function<void(int topic)> show_help;  // F1; topic 0 means none
+  std::function<void()> popup;               // Alt-Z
+  std::string header_line2;                  // left part of the header's text rows
+  std::string header_line3;
+};
+
+// The one instance. Tests reset it through UiScope.
+Ui& ui();
+Screen& scr();
+
+// Installs a screen for the lifetime of the scope and restores a fresh Ui afterwards.
+class UiScope {
+ public:
+  explicit UiScope(Screen& screen);
+  ~UiScope();
+  UiScope(const UiScope&) = delete;
+  UiScope& operator=(const UiScope&) = delete;
+};
+
+// Rows of the header at the top of the screen.
+inline constexpr int kHeaderRows = 4;
+
+// Fills the screen with the desktop: the header, the background character in the background
+// colour, and an empty status line.
+void DrawDesktop();
+void DrawHeader();
+
+// The status line on the last row, across the full width. Each "~" toggles between the status
+// text colour and the key colour and is not shown itself.
+void ShowStatus(std::string_view text);
+
+// Asks for help on `topic` (F1) and opens the pop-up utility (Alt-Z), when they are set up.
+void RequestHelp(int topic);
+void RequestPopup();
+
+}  // namespace ks

@@ -120,7 +120,8 @@ int BoxOBJ::Nearest(int dir) const {
     const int dc = (it.col - cur.col) * dir;
     if (dc <= 0) continue;
     const int dr = std::abs(it.row - cur.row);
-    if (best == 0 || dr < best_rows || (dr == best_rows && dc < best_cols)) {
+    // The nearest column first, then the nearest row within it.
+    if (best == 0 || dc < best_cols || (dc == best_cols && dr < best_rows)) {
       best = n;
       best_rows = dr;
       best_cols = dc;

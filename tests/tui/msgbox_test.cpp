@@ -1,0 +1,90 @@
+#include "tui/msgbox.h"
+
+#include "vt_fixture.h"
+
+namespace ks {
+namespace {
+
+TEST(SplitMessage, SlashesMakeLinesDoubleSlashAnEmptyOne) {
+  EXPECT_EQ(SplitMessage("A//B"), (std::vector<std::string>{"A", "", "B"}));
+  EXPECT_EQ(SplitMessage("one"), (std::vector<std::string>{"one"}));
+  EXPECT_EQ(SplitMessage("x/"), (std::vector<std::string>{"x", ""}));
+}
+
+class MessageBoxTest : public test::VtTest {
+ protected:
+  std::uint8_t SaveQuestion(const std::string& keys) {
+    vt_.Keys(keys);
+    MessageBoxSpec spec;
+    spec.lines = {"Changes have been made.", "Should those changes be saved?"};
+    spec.buttons = {"Yes", "No", "Cancel"};
+    spec.end_keys = EndKeys("CNY");
+    return RunMessageBox(spec);
+  }
+};
+
+TEST_F(MessageBoxTest, EnterAnswersWithHighlightedButtonsFirstLetter) {
+  EXPECT_EQ(SaveQuestion("<Enter>"), 'Y');
+  EXPECT_EQ(SaveQuestion("<Tab><Enter>"), 'N');
+  EXPECT_EQ(SaveQuestion("<Right><Right><Enter>"), 'C');
+  EXPECT_EQ(SaveQuestion("<Left><Enter>"), 'C');  // wraps to the last
+  EXPECT_EQ(SaveQuestion("<Tab><Tab><Tab><Enter>"), 'Y');
+  EXPECT_EQ(SaveQuestion("<Tab><S-Tab><Enter>"), 'Y');
+}
+
+TEST_F(MessageBoxTest, LettersAnswerInEitherCaseOtherKeysAreIgnored) {
+  EXPECT_EQ(SaveQuestion("n"), 'N');
+  EXPECT_EQ(SaveQuestion("xq<Down>c"), 'C');
+  EXPECT_EQ(SaveQuestion("<Esc>"), 27);
+}
+
+TEST_F(MessageBoxTest, ButtonColoursFollowTheSelection) {
+  const auto& c = ui().colours;
+  vt_.Keys("<Tab>");
+  EXPECT_THROW(SaveQuestion(""), KeysExhausted);
+  // The box stays on screen while it waits; after the throw the screen shows its last state.
+  Sync();
+  EXPECT_EQ(vt_.AttrOf(" No "), c[kMessageSelect]);
+  EXPECT_EQ(vt_.AttrOf(" Yes "), c[kMessageButton]);
+  EXPECT_EQ(vt_.AttrOf("Changes have been made."), c[kMessageData]);
+}
+
+TEST_F(MessageBoxTest, BoxRestoresTheScreenAndF1AsksForItsTopic) {
+  screen_.FillRect(1, 1, 80, 25, 0xB1, 0x07);
+  const std::string before = Dump();
+  int topic = -1;
+  ui().show_help = [&](int t) { topic = t; };
+  vt_.Keys("<F1><Enter>");
+  EXPECT_EQ(MessageBox("Hello", {"Ok"}, 33), 'O');
+  EXPECT_EQ(topic, 33);
+  EXPECT_TRUE(Dump() == before);
+}
+
+TEST_F(MessageBoxTest, ErrorBoxLeadingSlashKeepsOneLine) {
+  vt_.Keys("<Tab>");  // the box waits after this key
+  EXPECT_THROW(ErrorBox("/Path a/b/c is bad"), KeysExhausted);
+  EXPECT_TRUE(OnScreen("Path a/b/c is bad"));
+  EXPECT_TRUE(OnScreen(" Ok "));
+}
+
+TEST_F(MessageBoxTest, ErrorBoxSplitsOtherwise) {
+  vt_.Keys("<Tab>");
+  EXPECT_THROW(ErrorBox("Unable to create temporary file///tmp/x//Some functions"),
+               KeysExhausted);
+  EXPECT_TRUE(OnScreen("Unable to create temporary file"));
+  EXPECT_TRUE(OnScreen("Some functions"));
+}
+
+TEST_F(MessageBoxTest, YesNoIsTrueOnlyForY) {
+  vt_.Keys("<Enter>");
+  EXPECT_TRUE(AskYesNo("Sure?"));
+  vt_.Keys("<Tab><Enter>");
+  EXPECT_FALSE(AskYesNo("Sure?"));
+  vt_.Keys("y<Tab><Tab><Enter>");  // letters are not among this box's ending keys
+  EXPECT_TRUE(AskYesNo("Sure?"));
+  vt_.Keys("<Esc>");
+  EXPECT_FALSE(AskYesNo("Sure?"));
+}
+
+}  // namespace
+}  // namespace ks

@@ -154,8 +154,13 @@ std::uint8_t RunMessageBox(const MessageBoxSpec& spec) {
 
 std::uint8_t MessageBox(std::string_view text, std::vector<std::string> buttons,
                         std::uint8_t topic) {
+  return MessageBoxLines(SplitMessage(text), std::move(buttons), topic);
+}
+
+std::uint8_t MessageBoxLines(std::vector<std::string> lines, std::vector<std::string> buttons,
+                             std::uint8_t topic) {
   MessageBoxSpec spec;
-  spec.lines = SplitMessage(text);
+  spec.lines = std::move(lines);
   spec.buttons = std::move(buttons);
   spec.end_keys = EndKeys();
   spec.topic = topic;

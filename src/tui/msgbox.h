@@ -31,6 +31,10 @@ std::uint8_t RunMessageBox(const MessageBoxSpec& spec);
 std::uint8_t MessageBox(std::string_view text, std::vector<std::string> buttons,
                         std::uint8_t topic = 0);
 
+// The same with the lines given one by one (for texts holding "/", such as paths).
+std::uint8_t MessageBoxLines(std::vector<std::string> lines, std::vector<std::string> buttons,
+                             std::uint8_t topic = 0);
+
 // The plain error box with one button "Ok". A text that begins with "/" is shown as one
 // line without that "/" and without further splitting.
 void ErrorBox(std::string_view text, std::uint8_t topic = 0);

@@ -1,0 +1,77 @@
+#include "shell/cmdline.h"
+
+#include <gtest/gtest.h>
+
+#include "shell/progdir.h"
+#include "tempdir.h"
+
+namespace ks {
+namespace {
+
+TEST(CommandLine, WordsInAnyCaseAndOrderLaterSwitchWins) {
+  auto cl = ParseCommandLine({"-mono", "-COLOR", "-sFi"});
+  EXPECT_TRUE(cl.ok);
+  EXPECT_EQ(cl.colour, true);
+  EXPECT_TRUE(cl.sfi);
+  EXPECT_EQ(ParseCommandLine({"-Color", "-Mono"}).colour, false);
+  EXPECT_FALSE(ParseCommandLine({}).colour.has_value());
+}
+
+TEST(CommandLine, IndexWinsOverPack) {
+  auto cl = ParseCommandLine({"pack", "index"});
+  EXPECT_TRUE(cl.ok);
+  EXPECT_TRUE(cl.index);
+  EXPECT_FALSE(cl.pack);
+  EXPECT_TRUE(ParseCommandLine({"PACK"}).pack);
+}
+
+TEST(CommandLine, AnyUnknownWordAsksForUsage) {
+  for (auto bad : {"/mono", "-mon", "indexes", "-", "", "-Monochrome"})
+    EXPECT_FALSE(ParseCommandLine({"index", bad}).ok) << bad;
+}
+
+TEST(Banner, VersionAndBulletInTheLine) {
+  const std::string b = BannerLine();
+  EXPECT_EQ(b.rfind("KESTRA 6.1.7-", 0), 0u) << b;
+  EXPECT_NE(b.find(" for DOS Setup program \xF9 "), std::string::npos) << b;
+  EXPECT_EQ(VersionString().size(), std::string("6.1.7-3fd41a8").size());
+}
+
+TEST(ProgramDir, BesideTheProgramOtherCaseThenKestraVariable) {
+  test::TempDir bin, data;
+  auto no_env = [](const char*) -> const char* { return nullptr; };
+  const std::string argv0 = bin / "ksetup";
+  // Nothing anywhere: the directory as invoked.
+  EXPECT_EQ(FindProgramDir(argv0, "", no_env).path, bin.path());
+  // KESTRA names the directory when the program's own has no setup file.
+  std::string kestra = data.path();
+  kestra.pop_back();  // without its trailing slash
+  auto env = [&](const char* n) -> const char* {
+    return std::string(n) == "KESTRA" ? kestra.c_str() : nullptr;
+  };
+  EXPECT_EQ(FindProgramDir(argv0, "", env).path, data.path());
+  data.Write("SETUP.KSX", "x");
+  auto pd = FindProgramDir(argv0, "", env);
+  EXPECT_EQ(pd.setup_name, "SETUP.KSX");
+  // A setup file beside the program comes first.
+  bin.Write("setup.ksx", "x");
+  pd = FindProgramDir(argv0, "", env);
+  EXPECT_EQ(pd.path, bin.path());
+  EXPECT_EQ(pd.setup_name, "setup.ksx");
+}
+
+TEST(TempFiles, OnlyTwelveCharacterHexNamesAreRemoved) {
+  test::TempDir dir;
+  for (auto name : {"0ABCDEF1.tmp", "9zzzzzzA.TMP", "notes.tmp", "0ABCDEFG1.tmp", "aABCDEF1.tmp",
+                    "0ABCDEFg.tmp", "0ABCDEF1.txt", "01234567.tmp"})
+    dir.Write(name, "x");
+  EXPECT_EQ(RemoveTempFiles(dir.path()), 3);
+  EXPECT_FALSE(dir.Has("0ABCDEF1.tmp"));
+  EXPECT_FALSE(dir.Has("9zzzzzzA.TMP"));
+  EXPECT_FALSE(dir.Has("01234567.tmp"));
+  for (auto kept : {"notes.tmp", "0ABCDEFG1.tmp", "aABCDEF1.tmp", "0ABCDEFg.tmp", "0ABCDEF1.txt"})
+    EXPECT_TRUE(dir.Has(kept)) << kept;
+}
+
+}  // namespace
+}  // namespace ks

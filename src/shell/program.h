@@ -1,0 +1,32 @@
+// The state of one run of the program, set up at start-up and read by the screens.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "shell/kestracfg.h"
+
+namespace ks {
+
+struct Program {
+  std::string exe_path;                  // program directory, with a trailing "/"
+  std::string setup_name = "setup.ksx";  // as spelt on disk
+  bool colour = true;                    // colour, or monochrome
+  bool sfi = false;                      // speech-friendly interface active
+  bool sfi_forced = false;               // ... because the command line asked for it
+  bool do_index = false;
+  bool do_pack = false;
+  std::unique_ptr<KESTRAcfg> cfg;        // the configuration, edited in place by every screen
+  std::string work_dir;                  // where temporary files go
+  std::string help_dir;                  // where KESTRA.DOC and KS_DOC.IDX were found
+
+  std::string SetupPath() const { return exe_path + setup_name; }
+  // The directory of the record files: the configured data path, or the program directory.
+  std::string DataDir() const;
+};
+
+// The one run of this process (the fatal-error path reads it too).
+Program& prog();
+void ResetProgram();
+
+}  // namespace ks

@@ -1,0 +1,10 @@
+#include "common/recordext.h"
+
+namespace ks {
+
+RecordExtensions& record_extensions() {
+  static RecordExtensions ext;
+  return ext;
+}
+
+}  // namespace ks

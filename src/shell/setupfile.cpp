@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 
 #include "common/fileutil.h"
 #include "shell/cfgdefaults.h"
@@ -17,7 +16,7 @@
 namespace ks {
 
 TSetupLoadResult TSetupFile::Load(const std::string& name) {
-  std::memset(&rec_, 0, sizeof rec_);
+  rec_ = KESTRAcfg{};
   loaded_ = false;
   name_ = name;
   struct stat st;
@@ -43,7 +42,7 @@ TSetupLoadResult TSetupFile::Load(const std::string& name) {
   }
   ::close(fd);
   if (got != kSetupSize) {
-    std::memset(&rec_, 0, sizeof rec_);
+    rec_ = KESTRAcfg{};
     return slCorrupt;
   }
   if (rec_.revision > kCurrentRevision) return slVersionTooNew;
@@ -61,7 +60,6 @@ void TSetupFile::Upgrade() {
 }
 
 void TSetupFile::CreateDefaults() {
-  std::memset(&rec_, 0, sizeof rec_);
   FillNewDefaults(rec_);
 }
 

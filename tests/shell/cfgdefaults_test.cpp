@@ -1,0 +1,166 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "shell/cfgdefaults.h"
+#include "shell/kestracfg.h"
+
+namespace ks {
+namespace {
+
+const std::uint8_t* Raw(const KESTRAcfg& rec) {
+  return reinterpret_cast<const std::uint8_t*>(&rec);
+}
+
+template <typename T>
+T At(const KESTRAcfg& rec, std::size_t offset) {
+  T v;
+  std::memcpy(&v, Raw(rec) + offset, sizeof v);
+  return v;
+}
+
+// Read through raw offsets, not member names, so that a moved member shows up.
+TEST(CfgDefaults, NewRecordValuesLieAtTheFixedOffsets) {
+  KESTRAcfg rec;
+  FillNewDefaults(rec);
+  EXPECT_EQ(At<std::uint8_t>(rec, 0), 18);
+  EXPECT_EQ(At<std::uint8_t>(rec, 9441), 6);
+  EXPECT_EQ(At<std::uint8_t>(rec, 9442), 1);
+  EXPECT_EQ(At<std::uint8_t>(rec, 9443), 7);
+  EXPECT_EQ(At<std::uint8_t>(rec, 15118), 255);
+  EXPECT_EQ(At<std::uint16_t>(rec, 15793), 100);
+  // Left for the loader: the colour set, the three flags and the invoice number.
+  EXPECT_EQ(At<std::uint8_t>(rec, 15795), 0);
+  EXPECT_EQ(
+      At<std::uint8_t>(rec, 14887) | At<std::uint8_t>(rec, 14888) | At<std::uint8_t>(rec, 14889),
+      0);
+  EXPECT_EQ(At<std::uint32_t>(rec, 15456), 0u);
+  // No main address yet, speech-friendly off, the data directory is the program directory.
+  EXPECT_EQ(At<std::uint16_t>(rec, 17104), 0);
+  EXPECT_EQ(At<std::uint8_t>(rec, 17103), 0);
+  EXPECT_EQ(At<std::uint8_t>(rec, 1), 0);
+  EXPECT_EQ(At<std::uint8_t>(rec, 15524), 0);
+  EXPECT_EQ(At<std::uint8_t>(rec, sizeof rec - 1), 0);
+}
+
+TEST(CfgDefaults, NewRecordSettings) {
+  KESTRAcfg rec;
+  FillNewDefaults(rec);
+  EXPECT_EQ(rec.numberOfSystems, 200);
+  EXPECT_EQ(rec.mailerMode, FrontDoorMode);
+  EXPECT_EQ(rec.logStyle, lsFrontDoor);
+  EXPECT_EQ(rec.longDescChar, '+');
+  EXPECT_EQ(rec.reRequestRate, 7);
+  EXPECT_EQ(rec.internet.resendRetry, 3);
+  EXPECT_EQ(rec.internet.resendDelay, 7);
+  EXPECT_EQ(rec.internet.spoolAgeDays, 14);
+  EXPECT_EQ(rec.useAkaMatching, 1);
+  EXPECT_EQ(rec.domains[1].zone, 2);
+  EXPECT_EQ(rec.domains[1].domain.str(), "fidonet");
+  EXPECT_EQ(rec.domains[6].zone, 0);
+}
+
+TEST(CfgDefaults, VersionComesFromTheCaller) {
+  KESTRAcfg rec;
+  FillNewDefaults(rec, {7, 2, 9});
+  EXPECT_EQ(At<std::uint8_t>(rec, 9441), 7);
+  EXPECT_EQ(At<std::uint8_t>(rec, 9442), 2);
+  EXPECT_EQ(At<std::uint8_t>(rec, 9443), 9);
+}
+
+// The preset signatures must recognise real archive headers, given how the processor reads
+// them: the bytes at the offset, compared where the mask has a bit.
+std::optional<std::string> Recognise(const ExternalPrograms& progs,
+                                     const std::vector<std::uint8_t>& file) {
+  for (const auto& a : progs.archivers) {
+    if (a.signatureMask == 0) continue;
+    bool match = true;
+    for (std::size_t i = 0; i < kSignatureBytes && match; ++i) {
+      if (!(a.signatureMask & (1u << i))) continue;
+      const std::size_t at = a.signatureOffset + i;
+      match = at < file.size() && file[at] == a.signature[i];
+    }
+    if (match) return a.extension.str();
+  }
+  return std::nullopt;
+}
+
+TEST(CfgDefaults, ArchiverSignaturesRecogniseRealHeaders) {
+  KESTRAcfg rec;
+  FillNewDefaults(rec);
+  struct Sample {
+    std::vector<std::uint8_t> head;
+    const char* ext;
+  };
+  const Sample samples[] = {
+      {{'P', 'K', 3, 4, 20, 0, 0, 0}, "ZIP"},         {{0x60, 0xEA, 0x2A, 0x00, 0x1E}, "ARJ"},
+      {{0x24, 0x8C, '-', 'l', 'h', '5', '-'}, "LZH"}, {{0x1A, 0x08, 'F', 'I', 'L', 'E'}, "ARC"},
+      {{'H', 'L', 'S', 'Q', 'Z', '1'}, "SQZ"},
+  };
+  for (const ExternalPrograms* progs : {&rec.dosPrograms, &rec.os2Programs})
+    for (const auto& s : samples) EXPECT_EQ(Recognise(*progs, s.head), s.ext) << s.ext;
+  EXPECT_EQ(Recognise(rec.dosPrograms, {'M', 'Z', 0x90, 0}), std::nullopt);
+  EXPECT_EQ(rec.dosPrograms.archivers[4].unpackProgram.str(), "PKUNZIP");
+  EXPECT_EQ(rec.os2Programs.archivers[4].unpackProgram.str(), "UNZIP");
+  EXPECT_TRUE(rec.dosPrograms.archivers[6].extension.empty());
+}
+
+TEST(CfgDefaults, DependentDefaultsFillAZeroRecord) {
+  KESTRAcfg rec{};
+  FillDependentDefaults(rec);
+  EXPECT_EQ(At<std::uint32_t>(rec, 15456), 1u);
+  EXPECT_EQ(rec.minHdSpace, 100);
+  EXPECT_EQ(rec.longDescChar, '+');
+  EXPECT_EQ(rec.reRequestRate, 7);
+  EXPECT_EQ(rec.internet.resendDelay, 7);
+  EXPECT_EQ(rec.internet.spoolAgeDays, 14);
+  EXPECT_EQ(rec.internet.messageSizeKb, 512);
+  EXPECT_EQ(rec.eacVirusErrorlevel, 2);
+  EXPECT_EQ(rec.eacErrorErrorlevel, 1);
+  EXPECT_EQ(rec.lastHardDrive, 'C');
+  // The number of systems decides how the area files are read: never guessed.
+  EXPECT_EQ(rec.numberOfSystems, 0);
+}
+
+TEST(CfgDefaults, DependentDefaultsKeepWhatTheSysopSet) {
+  KESTRAcfg rec;
+  auto* p = reinterpret_cast<std::uint8_t*>(&rec);
+  for (std::size_t i = 0; i < sizeof rec; ++i) p[i] = static_cast<std::uint8_t>(i * 7 + 1);
+  rec.minHdSpace = 2000;
+  rec.longDescChar = '|';
+  rec.reRequestRate = 3;
+  rec.internet.resendDelay = 1;
+  rec.internet.spoolAgeDays = 30;
+  rec.internet.messageSizeKb = 64;
+  rec.eacVirusErrorlevel = 9;
+  rec.eacErrorErrorlevel = 8;
+  rec.lastHardDrive = 'F';
+  rec.nextInvoice = 0;
+  std::vector<std::uint8_t> before(p, p + sizeof rec);
+  FillDependentDefaults(rec);
+  for (std::size_t i = 0; i < sizeof rec; ++i) {
+    if (i < 15456 || i > 15459) {
+      EXPECT_EQ(p[i], before[i]) << "byte " << i;
+    }
+  }
+  EXPECT_EQ(rec.nextInvoice, 1u);
+
+  rec.nextInvoice = 4711;
+  FillDependentDefaults(rec);
+  EXPECT_EQ(rec.nextInvoice, 4711u);
+}
+
+TEST(CfgDefaults, NewRecordAlreadyHoldsEveryDependentDefault) {
+  KESTRAcfg rec;
+  FillNewDefaults(rec);
+  KESTRAcfg filled = rec;
+  FillDependentDefaults(filled);
+  filled.nextInvoice = 0;
+  EXPECT_EQ(0, std::memcmp(&rec, &filled, sizeof rec));
+}
+
+}  // namespace
+}  // namespace ks

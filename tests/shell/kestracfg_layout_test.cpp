@@ -1,0 +1,179 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+#include <vector>
+
+#include "shell/kestracfg.h"
+#include "shell/kestracfg_fields.h"
+
+namespace ks {
+namespace {
+
+// Sorted by offset, the fields must follow each other without gap or overlap and end exactly
+// at the struct's size: then nothing overlaps, nothing lies outside and every byte is named.
+void ExpectTiles(std::span<const CfgField> table, std::size_t size, std::string_view what) {
+  std::vector<CfgField> fields(table.begin(), table.end());
+  std::sort(fields.begin(), fields.end(),
+            [](const CfgField& a, const CfgField& b) { return a.offset < b.offset; });
+  std::size_t next = 0;
+  std::set<std::string_view> names;
+  for (const auto& f : fields) {
+    EXPECT_TRUE(names.insert(f.name).second) << what << ": " << f.name << " listed twice";
+    EXPECT_GT(f.size, 0u) << what << ": " << f.name;
+    EXPECT_EQ(f.offset, next) << what << ": " << f.name
+                              << (f.offset < next ? " overlaps its predecessor" : " leaves a gap");
+    EXPECT_LE(f.offset + f.size, size) << what << ": " << f.name << " lies outside";
+    next = f.offset + f.size;
+  }
+  EXPECT_EQ(next, size) << what << ": the fields do not reach the end";
+}
+
+TEST(KestraCfgLayout, TopLevelFieldsCoverTheWholeRecord) {
+  ExpectTiles(KestraCfgFields(), kSetupRecordSize, "KESTRAcfg");
+}
+
+TEST(KestraCfgLayout, EverySubStructIsCoveredByItsFields) {
+  for (const auto& layout : KestraCfgSubLayouts())
+    ExpectTiles(layout.fields, layout.size, layout.name);
+}
+
+// The offsets and sizes the shell, the screens and older files depend on.
+TEST(KestraCfgLayout, FixedOffsetsHold) {
+  struct Fixed {
+    const char* name;
+    std::size_t offset, size;
+  };
+  const Fixed fixed[] = {
+      {"revision", 0, 1},
+      {"msgPath", 123, 61},
+      {"netmailPath", 62, 61},
+      {"netmailOutPath", 977, 61},
+      {"inboundPath", 184, 61},
+      {"secInboundPath", 1038, 61},
+      {"outboundPath", 916, 61},
+      {"outboundMailPath", 367, 61},
+      {"ticPath", 489, 61},
+      {"queuePath", 428, 61},
+      {"listPath", 1155, 61},
+      {"rcvdPath", 672, 61},
+      {"badTicsPath", 794, 61},
+      {"dupePath", 16157, 61},
+      {"tagPath", 15358, 61},
+      {"tmpPath", 15524, 61},
+      {"templatePath", 15728, 61},
+      {"billingPath", 16096, 61},
+      {"oldBillsPath", 16772, 61},
+      {"aliasFile", 550, 61},
+      {"logFile", 245, 61},
+      {"mgrLog", 855, 61},
+      {"rpLog", 15958, 61},
+      {"ksxLog", 733, 61},
+      {"msgLog", 306, 61},
+      {"badLog", 9477, 61},
+      {"dupeLog", 9538, 61},
+      {"echotossLog", 15460, 61},
+      {"unwantedFile", 16710, 61},
+      {"wantedFile", 16837, 61},
+      {"netmailSemaphore", 16898, 61},
+      {"echoSemaphore", 611, 61},
+      {"bbsName", 1216, 31},
+      {"phone", 1376, 93},
+      {"location", 1284, 41},
+      {"sysopName", 1099, 36},
+      {"maxBaud", 1247, 6},
+      {"nodelistFlags", 1253, 31},
+      {"versionMajor", 9441, 1},
+      {"versionMinor", 9442, 1},
+      {"versionBuild", 9443, 1},
+      {"confirmDelete", 14887, 1},
+      {"beepOnError", 14888, 1},
+      {"createMissingDirs", 14889, 1},
+      {"logMask", 15118, 1},
+      {"useAkaMatching", 15419, 1},
+      {"echoMailOption", 15420, 1},
+      {"downloadCounters", 15421, 30},
+      {"nextInvoice", 15456, 4},
+      {"minHdSpace", 15793, 2},
+      {"colourSet", 15795, 41},
+      {"maxTicArchiveSize", 16088, 2},
+      {"maxSizeToPack", 16090, 2},
+      {"speechFriendly", 17103, 1},
+      {"addresses", 17104, kAddressCount * sizeof(NetAddr)},
+      {"akaMatch", 11824, 240},
+      {"dataPath", 1, 61},
+  };
+  for (const auto& f : fixed) {
+    const CfgField* field = FindCfgField(f.name);
+    ASSERT_NE(field, nullptr) << f.name;
+    EXPECT_EQ(field->offset, f.offset) << f.name;
+    EXPECT_EQ(field->size, f.size) << f.name;
+    EXPECT_FALSE(field->reserved) << f.name;
+  }
+}
+
+TEST(KestraCfgLayout, PathStringsFormOneRunAndTheirNeighboursFollowDirectly) {
+  const auto fields = KestraCfgFields();
+  auto at = [&](std::size_t offset) -> const CfgField* {
+    for (const auto& f : fields)
+      if (f.offset == offset) return &f;
+    return nullptr;
+  };
+  // Eighteen 61-byte strings at 1 + 61k, then the next field at 1099.
+  for (std::size_t k = 0; k <= 18; ++k) {
+    const CfgField* f = at(1 + 61 * k);
+    ASSERT_NE(f, nullptr) << "nothing starts at " << 1 + 61 * k;
+    EXPECT_FALSE(f->reserved) << f->name;
+    if (k < 18) {
+      EXPECT_EQ(f->size, 61u) << f->name;
+    }
+  }
+  // The other 60-character strings are followed at once by a field of their own.
+  for (const char* name :
+       {"badLog", "tagPath", "echotossLog", "billingPath", "unwantedFile", "wantedFile"}) {
+    const CfgField* f = FindCfgField(name);
+    ASSERT_NE(f, nullptr);
+    const CfgField* next = at(f->offset + 61);
+    ASSERT_NE(next, nullptr) << "nothing follows " << name;
+    EXPECT_FALSE(next->reserved) << name << " is followed by " << next->name;
+  }
+}
+
+TEST(KestraCfgLayout, LastByteIsReservedAndArraysHoldTheirRows) {
+  const auto fields = KestraCfgFields();
+  const CfgField& last = fields.back();
+  EXPECT_EQ(last.offset + last.size, kSetupRecordSize);
+  EXPECT_EQ(last.size, 1u);
+  EXPECT_TRUE(last.reserved);
+
+  EXPECT_EQ(FindCfgField("uplinks")->size, kUplinkCount * sizeof(AreaMgrUplink));
+  EXPECT_EQ(FindCfgField("domains")->size, kDomainCount * sizeof(DomainName));
+  EXPECT_EQ(FindCfgField("originLines")->size, kOriginLineCount * 61);
+  EXPECT_EQ(FindCfgField("dosPrograms")->size, sizeof(ExternalPrograms));
+  EXPECT_EQ(sizeof(ExternalPrograms::archivers), kArchiverCount * sizeof(ArchiverDef));
+  EXPECT_EQ(sizeof(ArchiverDef::signature), kSignatureBytes);
+  EXPECT_GE(sizeof(KESTRAcfg::colourSet) - 1, kColourSetLength);
+}
+
+TEST(KestraCfgLayout, GroupSetsAreVisitedInRenumberingOrder) {
+  KESTRAcfg cfg{};
+  const auto sets = ConfigGroupSets(cfg);
+  const auto* base = reinterpret_cast<const std::uint8_t*>(&cfg);
+  auto offset = [&](const GroupSet* s) {
+    return static_cast<std::size_t>(reinterpret_cast<const std::uint8_t*>(s) - base);
+  };
+  std::set<std::size_t> seen;
+  for (const GroupSet* s : sets) {
+    ASSERT_NE(s, nullptr);
+    EXPECT_LE(offset(s) + sizeof(GroupSet), kSetupRecordSize);
+    EXPECT_TRUE(seen.insert(offset(s)).second) << "a set is visited twice";
+  }
+  EXPECT_EQ(sets.front(), &cfg.fileechoListGroups);
+  for (std::size_t i = 0; i < kUplinkCount; ++i) EXPECT_EQ(sets[1 + i], &cfg.uplinks[i].groups);
+  EXPECT_EQ(sets[21], &cfg.requestProcessor.unlisted.groups);
+  EXPECT_EQ(sets[22], &cfg.requestProcessor.unsecure.groups);
+  EXPECT_EQ(sets[23], &cfg.requestProcessor.secure.groups);
+}
+
+}  // namespace
+}  // namespace ks

@@ -28,7 +28,10 @@ namespace {
 class ScreenSession {
  public:
   explicit ScreenSession(const AppEnv& env) : env_(env) {}
-  ~ScreenSession() { Close(0); }
+  // Reached early only when an exception unwinds: give the terminal back as it is.
+  ~ScreenSession() {
+    if (term_) term_->Close(0);
+  }
 
   void Ensure() {
     if (screen_) return;
@@ -49,9 +52,9 @@ class ScreenSession {
     screen_->GotoXY(1, keep_rows + 1);
     screen_->Flush();
     term_->Close(keep_rows);
+    term_.reset();
     scope_.reset();
     screen_.reset();
-    term_.reset();
   }
 
  private:
@@ -141,7 +144,8 @@ int RunKsetup(const AppEnv& env) {
     session.Ensure();
     p.sfi = cl.sfi || cfg.speechFriendly != 0;
     ui().sfi = p.sfi;
-    if (cl.sfi) scr().SetCursorShape(CursorShape::kUnderline);
+    // A screen reader follows the hardware cursor, so it stays visible.
+    if (p.sfi) scr().SetCursorShape(CursorShape::kUnderline);
     p.work_dir = cfg.tmpPath.empty() ? p.exe_path : AddSlash(cfg.tmpPath.str());
     p.help_dir = FindHelpDir(env, p.exe_path);
     if (p.colour && cfg.colourSet.len == 0) {

@@ -1,0 +1,301 @@
+// The program from start to end through key scripts: start-up, the setup file questions, the
+// main menu tree, the exit path and what lands on disk.
+#include <filesystem>
+
+#include "app_fixture.h"
+#include "common/fileutil.h"
+#include "shell/cfgdefaults.h"
+#include "shell/program.h"
+#include "shell/setupfile.h"
+#include "tui/colours.h"
+
+namespace ks {
+namespace {
+
+using test::AppTest;
+
+KESTRAcfg ConfigWithAddress(std::uint16_t zone) {
+  TSetupFile f;
+  f.CreateDefaults();
+  KESTRAcfg rec = f.record();
+  rec.addresses[0] = {zone, 280, 5555, 0};
+  rec.nextInvoice = 1;
+  return rec;
+}
+
+std::uint8_t ByteAt(const KESTRAcfg& rec, std::size_t offset) {
+  return reinterpret_cast<const std::uint8_t*>(&rec)[offset];
+}
+
+TEST_F(AppTest, FirstStartCreatesTheSetupFileAfterAsking) {
+  EXPECT_THROW(Run({}, ""), KeysExhausted);
+  EXPECT_TRUE(Screen(SetupPath()));
+  EXPECT_TRUE(Screen("File not found, create a new one?"));
+  EXPECT_TRUE(Screen(" Yes ") && Screen(" No  "));
+  EXPECT_FALSE(dir_.Has("setup.ksx"));
+
+  EXPECT_EQ(Run({}, "<Enter><F9>"), 0);
+  ASSERT_EQ(std::filesystem::file_size(SetupPath()), 17884u);
+  const KESTRAcfg rec = ReadSetup();
+  EXPECT_EQ(rec.revision, 18);
+  EXPECT_EQ(ByteAt(rec, 9441), 6);
+  EXPECT_EQ(ByteAt(rec, 9442), 1);
+  EXPECT_EQ(ByteAt(rec, 9443), 7);
+  EXPECT_EQ(ByteAt(rec, 14887) + ByteAt(rec, 14888) + ByteAt(rec, 14889), 3);
+  EXPECT_NE(ByteAt(rec, 15118), 0);
+  EXPECT_NE(rec.nextInvoice, 0u);
+  ASSERT_EQ(rec.colourSet.len, 38);
+  EXPECT_EQ(static_cast<std::uint8_t>(rec.colourSet.text[kMessageButton - 1]), 0x10);
+  EXPECT_TRUE(vt_->closed());
+  EXPECT_EQ(vt_->kept_rows(), 4);
+}
+
+TEST_F(AppTest, AnsweringNoCreatesNothing) {
+  EXPECT_EQ(Run({}, "<Tab><Enter>"), 0);
+  EXPECT_FALSE(dir_.Has("setup.ksx"));
+  EXPECT_EQ(Run({}, "<Esc>"), 0);
+  EXPECT_FALSE(dir_.Has("setup.ksx"));
+}
+
+TEST_F(AppTest, WrongSizeFilesAreCorruptAndLeftAlone) {
+  for (std::size_t size : {17883u, 17885u, 0u}) {
+    const std::string bytes(size, '\x12');
+    dir_.Write("setup.ksx", bytes);
+    EXPECT_THROW(Run({}, ""), KeysExhausted);
+    EXPECT_TRUE(Screen("file corrupt or incorrect format.")) << size;
+    EXPECT_TRUE(Screen("Please use the accompanying UPDATE utility"));
+    EXPECT_TRUE(Screen("when upgrading to a newer version"));
+    EXPECT_EQ(Run({}, "<Enter>"), 0);  // no menu follows
+    EXPECT_EQ(*ReadWholeFile(SetupPath()), bytes);
+  }
+}
+
+TEST_F(AppTest, NewerRevisionIsRefusedAndNeverChanged) {
+  KESTRAcfg rec = ConfigWithAddress(2);
+  rec.revision = 19;
+  WriteSetup(rec);
+  EXPECT_THROW(Run({}, ""), KeysExhausted);
+  EXPECT_TRUE(Screen("These configuration files were made with a newer version of KESTRA"));
+  EXPECT_TRUE(Screen("which is not compatible with this version of KESTRA."));
+  EXPECT_TRUE(Screen("Please update your copy of KESTRA."));
+  EXPECT_EQ(Run({}, "<Enter>"), 0);
+  EXPECT_EQ(ReadSetup().revision, 19);
+}
+
+TEST_F(AppTest, OlderRevisionIsUpgradedWithAMessageAndSaved) {
+  KESTRAcfg rec = ConfigWithAddress(2);
+  rec.revision = 17;
+  WriteSetup(rec);
+  EXPECT_THROW(Run({}, ""), KeysExhausted);
+  EXPECT_TRUE(Screen("setup.ksx file updated to new version level"));
+  EXPECT_EQ(Run({}, "<Enter><F9>"), 0);
+  EXPECT_EQ(ReadSetup().revision, 18);
+}
+
+TEST_F(AppTest, OldVersionBytesAreRewrittenSilently) {
+  KESTRAcfg rec = ConfigWithAddress(2);
+  reinterpret_cast<std::uint8_t*>(&rec)[9442] = 0;
+  reinterpret_cast<std::uint8_t*>(&rec)[9443] = 3;
+  WriteSetup(rec);
+  EXPECT_EQ(Run({}, "<F9>"), 0);  // straight into the menu: no message box
+  EXPECT_EQ(ByteAt(ReadSetup(), 9442), 1);
+  EXPECT_EQ(ByteAt(ReadSetup(), 9443), 7);
+}
+
+TEST_F(AppTest, BusyMarkerStopsEvenTheIndexCommand) {
+  dir_.Write("kestra.bsy", "");
+  WriteSetup(ConfigWithAddress(2));
+  EXPECT_EQ(Run({"index"}, ""), 0);
+  EXPECT_FALSE(opened_);
+  EXPECT_NE(out_.str().find("KESTRA/KSETUP is currently busy in another task"), std::string::npos);
+  EXPECT_NE(out_.str().find(" Setup program \u2219 "), std::string::npos) << out_.str();
+}
+
+TEST_F(AppTest, UnknownArgumentPrintsUsageWithoutFullScreen) {
+  EXPECT_EQ(Run({"/mono"}, ""), 0);
+  EXPECT_FALSE(opened_);
+  const std::string out = out_.str();
+  EXPECT_NE(out.find("Usage:\n\n   KSETUP [command] [switches]\n"), std::string::npos) << out;
+  EXPECT_NE(out.find("   -SFI     Force Speech Friendly Interface\n"), std::string::npos);
+  EXPECT_FALSE(dir_.Has("setup.ksx"));
+}
+
+TEST_F(AppTest, IndexCommandShowsNoMenu) {
+  WriteSetup(ConfigWithAddress(2));
+  EXPECT_EQ(Run({"INDEX", "pack"}, ""), 0);
+  EXPECT_TRUE(opened_);
+  EXPECT_FALSE(Screen("Exit program"));
+  EXPECT_EQ(vt_->kept_rows(), 4);
+}
+
+TEST_F(AppTest, HeaderShowsMainAddressAndHelpKey) {
+  WriteSetup(ConfigWithAddress(2));
+  EXPECT_THROW(Run({}, ""), KeysExhausted);
+  const std::string row2 = vt_->Row(2), row3 = vt_->Row(3);
+  EXPECT_EQ(row2.substr(80 - 2 - 10, 10), "2:280/5555");  // ends two columns from the edge
+  EXPECT_EQ(row3.substr(80 - 10, 7), "F1=Help");  // from column 71
+  EXPECT_TRUE(Screen("Miscellaneous system parameters"));
+  EXPECT_EQ(Run({}, "<F9>"), 0);
+  EXPECT_EQ(vt_->Row(3).substr(80 - 10, 7), "       ");
+}
+
+TEST_F(AppTest, WithoutMainAddressMostChoicesRefuse) {
+  WriteSetup(ConfigWithAddress(0));
+  bool opened_list = false;
+  menu_actions().main[kFileFindAreas] = [&] { opened_list = true; };
+  EXPECT_THROW(Run({}, "<Down><Enter>"), KeysExhausted);
+  EXPECT_TRUE(Screen("Main address missing or invalid"));
+  EXPECT_FALSE(opened_list);
+  EXPECT_FALSE(Screen(":280/5555"));
+  // System data, Utilities, Information and Exit stay available.
+  EXPECT_THROW(Run({}, "<Up><Up><Enter>"), KeysExhausted);
+  EXPECT_TRUE(Screen("Information about KESTRA") || Screen(" Information "));
+  EXPECT_EQ(Run({}, "<Up><Up><Up><Enter><Esc><End><Enter>"), 0);
+}
+
+// An editor stand-in behind "FileFind areas" that changes one byte of the configuration.
+class ExitPathTest : public AppTest {
+ protected:
+  void SetUp() override {
+    WriteSetup(ConfigWithAddress(2));
+    original_ = ReadSetup();
+  }
+  void ChangeOnOpen(std::size_t offset) {
+    menu_actions().main[kFileFindAreas] = [offset] {
+      reinterpret_cast<std::uint8_t*>(prog().cfg.get())[offset] ^= 0x5A;
+    };
+  }
+  bool Saved() { return ByteAt(ReadSetup(), 1200) != ByteAt(original_, 1200); }
+  KESTRAcfg original_;
+};
+
+TEST_F(ExitPathTest, ChangedConfigAsksBeforeLeaving) {
+  ChangeOnOpen(1200);
+  EXPECT_THROW(Run({}, "<Down><Enter><End><Enter>"), KeysExhausted);
+  EXPECT_TRUE(Screen("Changes have been made."));
+  EXPECT_TRUE(Screen("Should those changes be saved?"));
+  EXPECT_TRUE(Screen(" Yes ") && Screen(" No ") && Screen(" Cancel "));
+  EXPECT_FALSE(Saved());
+  EXPECT_EQ(Run({}, "<Down><Enter><End><Enter><Enter>"), 0);  // Enter on "Yes"
+  EXPECT_TRUE(Saved());
+}
+
+TEST_F(ExitPathTest, NoLeavesWithoutSavingCancelAndEscStay) {
+  ChangeOnOpen(1200);
+  EXPECT_EQ(Run({}, "<Down><Enter><Esc>n"), 0);
+  EXPECT_FALSE(Saved());
+  // Cancel and Esc return to the menu, which is drawn again; F9 then leaves without saving.
+  EXPECT_EQ(Run({}, "<Down><Enter><Esc>c<Esc><Esc><F9>"), 0);
+  EXPECT_FALSE(Saved());
+  EXPECT_EQ(Run({}, "<Down><Enter><Esc>y"), 0);
+  EXPECT_TRUE(Saved());
+}
+
+TEST_F(ExitPathTest, ChangeOfTheLastByteAloneIsNotReported) {
+  ChangeOnOpen(sizeof(KESTRAcfg) - 1);
+  EXPECT_EQ(Run({}, "<Down><Enter><Esc>"), 0);  // no question: it would eat no key and wait
+  EXPECT_EQ(ReadSetup().reservedLast, original_.reservedLast);
+  ChangeOnOpen(sizeof(KESTRAcfg) - 2);
+  EXPECT_THROW(Run({}, "<Down><Enter><Esc>"), KeysExhausted);
+  EXPECT_TRUE(Screen("Changes have been made."));
+}
+
+TEST_F(ExitPathTest, F10SavesWithoutAskingF9DiscardsCAndDActAsThem) {
+  ChangeOnOpen(1200);
+  EXPECT_EQ(Run({}, "<Down><Enter><F9>"), 0);
+  EXPECT_FALSE(Saved());
+  EXPECT_EQ(Run({}, "<Down><Enter>C"), 0);
+  EXPECT_FALSE(Saved());
+  EXPECT_EQ(Run({}, "<Down><Enter>D"), 0);
+  EXPECT_TRUE(Saved());
+  std::filesystem::remove(SetupPath());
+  WriteSetup(original_);
+  EXPECT_EQ(Run({}, "<Down><Enter><F10>"), 0);
+  EXPECT_TRUE(Saved());
+}
+
+TEST_F(ExitPathTest, SubmenusCloseOnF9AndF10WithoutLeavingTheProgram) {
+  ChangeOnOpen(1200);
+  // Fileecho system: F10 and F9 only close it; the main menu goes on.
+  EXPECT_THROW(Run({}, "<Down><Enter><Down><Down><Enter><F10>"), KeysExhausted);
+  EXPECT_TRUE(Screen("Exit program"));
+  EXPECT_FALSE(Saved());
+  EXPECT_THROW(Run({}, "<Down><Down><Down><Enter>"), KeysExhausted);
+  EXPECT_TRUE(Screen("Fileecho manager   "));
+  EXPECT_TRUE(Screen(" \xC3\xC4Options"));
+  EXPECT_TRUE(Screen(" \xC0\xC4LongDesc options"));
+  EXPECT_TRUE(Screen(" \xC3\xC4Uplink systems"));
+  EXPECT_TRUE(Screen(" \xC0\xC4Uplink options"));
+  // Utilities ignores F9 and F10; only Esc leaves it.
+  EXPECT_THROW(Run({}, "<End><Up><Up><Enter><F9><F10>"), KeysExhausted);
+  EXPECT_TRUE(Screen("Template editor"));
+  EXPECT_EQ(Run({}, "<End><Up><Up><Enter><F9><F10><Esc><F9>"), 0);
+}
+
+TEST_F(ExitPathTest, EchomailSubmenuAndItsItems) {
+  std::vector<int> opened;
+  menu_actions().echomail[1] = [&] { opened.push_back(1); };
+  menu_actions().echomail[3] = [&] { opened.push_back(3); };
+  EXPECT_EQ(Run({}, "<Down><Down><Enter><Enter><End><Enter><Esc><F9>"), 0);
+  EXPECT_EQ(opened, (std::vector<int>{1, 3}));
+}
+
+TEST_F(AppTest, TemporaryFilesOfTheWorkDirectoryGoAtExit) {
+  KESTRAcfg rec = ConfigWithAddress(2);
+  test::TempDir work;
+  rec.tmpPath.set(work.path());
+  WriteSetup(rec);
+  work.Write("0ABCDEF1.tmp", "x");
+  work.Write("notes.tmp", "x");
+  dir_.Write("1ABCDEF2.tmp", "x");  // not the work directory
+  EXPECT_EQ(Run({}, "<F9>"), 0);
+  EXPECT_FALSE(work.Has("0ABCDEF1.tmp"));
+  EXPECT_TRUE(work.Has("notes.tmp"));
+  EXPECT_TRUE(dir_.Has("1ABCDEF2.tmp"));
+}
+
+TEST_F(AppTest, ColourModesAndTheDefaultSet) {
+  KESTRAcfg rec = ConfigWithAddress(2);
+  rec.colourSet.set("");  // no set yet: the default one is installed
+  WriteSetup(rec);
+  EXPECT_THROW(Run({}, ""), KeysExhausted);
+  EXPECT_EQ(vt_->AttrOf("\xC9\xCD"), 0x71);  // header frame of the default set
+  EXPECT_EQ(vt_->AttrOf(" Main "), 0x1E);
+  EXPECT_FALSE(vt_->monochrome());
+  EXPECT_THROW(Run({"-Mono"}, ""), KeysExhausted);
+  EXPECT_EQ(vt_->AttrOf(" Main "), 15);
+  EXPECT_EQ(vt_->At(1, 6).ch, 177);
+  EXPECT_TRUE(vt_->monochrome());
+  env_["NO_COLOR"] = "1";
+  EXPECT_THROW(Run({}, ""), KeysExhausted);
+  EXPECT_TRUE(vt_->monochrome());
+  EXPECT_THROW(Run({"-mono", "-color"}, ""), KeysExhausted);
+  EXPECT_FALSE(vt_->monochrome());
+  EXPECT_EQ(vt_->AttrOf(" Main "), 0x1E);
+}
+
+TEST_F(AppTest, SpeechFriendlyKeepsTheCursorOnTheHighlight) {
+  WriteSetup(ConfigWithAddress(2));
+  EXPECT_THROW(Run({}, ""), KeysExhausted);
+  EXPECT_EQ(vt_->cursor_shape(), CursorShape::kHidden);
+  EXPECT_THROW(Run({"-sfi"}, "<Down>"), KeysExhausted);
+  EXPECT_EQ(vt_->cursor_shape(), CursorShape::kUnderline);
+  EXPECT_EQ(vt_->cursor_row(), 9);  // "FileFind areas"
+  EXPECT_EQ(vt_->cursor_col(), 33);
+  KESTRAcfg rec = ConfigWithAddress(2);
+  rec.speechFriendly = 1;
+  WriteSetup(rec);
+  EXPECT_THROW(Run({}, ""), KeysExhausted);
+  EXPECT_EQ(vt_->cursor_shape(), CursorShape::kUnderline);
+}
+
+TEST(FatalReport, NamesTheExceptionClassAndTheDirectories) {
+  const auto lines = FatalReport(std::runtime_error("boom"));
+  ASSERT_EQ(lines.size(), 3u);
+  EXPECT_EQ(lines[0], "FATAL Exception: std::runtime_error: boom");
+  EXPECT_EQ(lines[1].rfind("ExePath = ", 0), 0u);
+  EXPECT_EQ(lines[2], "SetupFileName = setup.ksx");
+}
+
+}  // namespace
+}  // namespace ks

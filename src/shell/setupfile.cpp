@@ -74,6 +74,17 @@ void StampVersion(KESTRAcfg& rec) {
   rec.versionBuild = kProgramVersion.build;
 }
 
+KESTRAcfg NewSetupRecord() {
+  TSetupFile file;
+  file.CreateDefaults();
+  KESTRAcfg cfg = file.record();
+  const ColourSet& set = NewFileColourSet();
+  cfg.colourSet.set(std::string_view(reinterpret_cast<const char*>(set.data()), set.size()));
+  cfg.confirmDelete = cfg.beepOnError = cfg.createMissingDirs = 1;
+  FillDependentDefaults(cfg);
+  return cfg;
+}
+
 bool SaveSetupFile(const KESTRAcfg& rec, const std::string& path, std::string* error) {
   return WriteFileAtomic(path, std::string_view(reinterpret_cast<const char*>(&rec), sizeof rec),
                          error);
@@ -94,8 +105,7 @@ void Tell(const SetupLoadContext& ctx, const KESTRAcfg* rec, std::vector<std::st
   MessageBoxLines(std::move(lines), {"Ok"}, 4);
 }
 
-bool CreateSetup(const SetupLoadContext& ctx, const std::string& path, TSetupFile& file,
-                 KESTRAcfg& cfg) {
+bool CreateSetup(const SetupLoadContext& ctx, const std::string& path, KESTRAcfg& cfg) {
   if (!ctx.interactive) return false;
   if (ctx.prepare) ctx.prepare(nullptr);
   MessageBoxSpec q;
@@ -104,12 +114,7 @@ bool CreateSetup(const SetupLoadContext& ctx, const std::string& path, TSetupFil
   q.end_keys = EndKeys();
   q.topic = 4;
   if (RunMessageBox(q) != 'Y') return false;
-  file.CreateDefaults();
-  cfg = file.record();
-  const ColourSet& set = NewFileColourSet();
-  cfg.colourSet.set(std::string_view(reinterpret_cast<const char*>(set.data()), set.size()));
-  cfg.confirmDelete = cfg.beepOnError = cfg.createMissingDirs = 1;
-  FillDependentDefaults(cfg);
+  cfg = NewSetupRecord();
   return SaveSetup(path, cfg);
 }
 
@@ -136,7 +141,7 @@ bool LoadSetup(const SetupLoadContext& ctx, KESTRAcfg& cfg) {
       if (cfg.nextInvoice == 0) FillDependentDefaults(cfg);
       break;
     case slFileNotFound:
-      if (!CreateSetup(ctx, path, file, cfg)) return false;
+      if (!CreateSetup(ctx, path, cfg)) return false;
       break;
     case slFileError:
     case slCorrupt:

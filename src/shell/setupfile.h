@@ -41,6 +41,10 @@ class TSetupFile {
   KESTRAcfg rec_{};
 };
 
+// The record a newly created setup.ksx starts with: the defaults, the new-file colour set, the
+// three options a new file switches on, and the dependent defaults.
+KESTRAcfg NewSetupRecord();
+
 // Writes the whole record to `path`, replacing the file atomically. On failure `error` says why.
 bool SaveSetupFile(const KESTRAcfg& rec, const std::string& path, std::string* error = nullptr);
 

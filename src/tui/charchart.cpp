@@ -12,7 +12,7 @@ namespace ks {
 namespace {
 
 constexpr int kWidth = 56;   // frame included
-constexpr int kHeight = 21;  // frame included
+constexpr int kHeight = 20;  // frame included
 constexpr int kHelpTopic = 6;
 
 void DrawChart(int left, int top, int sel) {

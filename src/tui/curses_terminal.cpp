@@ -213,6 +213,29 @@ void CursesTerminal::Impl::Setup() {
   }
   UpdateEffectiveCaps();
 
+  // Sequences that common terminals and multiplexers send although the terminal description
+  // in use does not list them (tmux sends ESC [ 1 ~ for Home under TERM=xterm-256color, the
+  // Linux console ESC [ [ A for F1, ...). Only sequences the description leaves free are added.
+  static constexpr struct {
+    const char* seq;
+    int code;
+  } kCommonKeys[] = {
+      {"\x1b[1~", KEY_HOME}, {"\x1b[4~", KEY_END},  {"\x1b[7~", KEY_HOME}, {"\x1b[8~", KEY_END},
+      {"\x1b[H", KEY_HOME},  {"\x1b[F", KEY_END},   {"\x1bOH", KEY_HOME},  {"\x1bOF", KEY_END},
+      {"\x1b[2~", KEY_IC},   {"\x1b[3~", KEY_DC},   {"\x1b[5~", KEY_PPAGE}, {"\x1b[6~", KEY_NPAGE},
+      {"\x1b[A", KEY_UP},    {"\x1b[B", KEY_DOWN},  {"\x1b[C", KEY_RIGHT}, {"\x1b[D", KEY_LEFT},
+      {"\x1bOA", KEY_UP},    {"\x1bOB", KEY_DOWN},  {"\x1bOC", KEY_RIGHT}, {"\x1bOD", KEY_LEFT},
+      {"\x1bOP", KEY_F(1)},  {"\x1bOQ", KEY_F(2)},  {"\x1bOR", KEY_F(3)},  {"\x1bOS", KEY_F(4)},
+      {"\x1b[11~", KEY_F(1)}, {"\x1b[12~", KEY_F(2)}, {"\x1b[13~", KEY_F(3)},
+      {"\x1b[14~", KEY_F(4)}, {"\x1b[[A", KEY_F(1)}, {"\x1b[[B", KEY_F(2)},
+      {"\x1b[[C", KEY_F(3)}, {"\x1b[[D", KEY_F(4)}, {"\x1b[[E", KEY_F(5)},
+      {"\x1b[15~", KEY_F(5)}, {"\x1b[17~", KEY_F(6)}, {"\x1b[18~", KEY_F(7)},
+      {"\x1b[19~", KEY_F(8)}, {"\x1b[20~", KEY_F(9)}, {"\x1b[21~", KEY_F(10)},
+      {"\x1b[Z", KEY_BTAB},
+  };
+  for (const auto& k : kCommonKeys)
+    if (key_defined(k.seq) == 0) define_key(k.seq, k.code);
+
   for (const auto& k : KeyDecoder::ExtendedKeyNames()) {
     const char* seq = tigetstr(k.name);
     if (seq == nullptr || seq == reinterpret_cast<char*>(-1)) continue;

@@ -53,11 +53,13 @@ DocViewer::DocViewer(DocSource& doc, std::string title)
 }
 
 int DocViewer::Rows() const { return bottom_row_ - top_row_ - 1; }
+int DocViewer::TextWidth() const { return right_ - left_ - 2; }
 
 void DocViewer::Draw() {
   Screen& s = scr();
   const auto& c = ui().colours;
-  const int width = right_ - left_ - 1;
+  const int width = TextWidth();
+  const int text_left = left_ + 2;  // one blank column inside the frame
   doc_.Have(top_ + static_cast<std::size_t>(Rows()));
   const std::string upper_search = Upper(search_);
   for (int r = 0; r < Rows(); ++r) {
@@ -70,7 +72,7 @@ void DocViewer::Draw() {
     const std::string& line = doc_.line(n);
     for (int x = 0; x < width; ++x) {
       const std::size_t i = static_cast<std::size_t>(x + hscroll_);
-      s.Put(left_ + 1 + x, row,
+      s.Put(text_left + x, row,
             {i < line.size() ? static_cast<std::uint8_t>(line[i]) : std::uint8_t{' '},
              c[kHelpText]});
     }
@@ -82,7 +84,7 @@ void DocViewer::Draw() {
         if (x >= 0 && x < width) {
           Cell cell = s.At(left_ + 1 + x, row);
           cell.attr = c[kHelpFind];
-          s.Put(left_ + 1 + x, row, cell);
+          s.Put(text_left + x, row, cell);
         }
       }
     }
@@ -201,7 +203,7 @@ void DocViewer::Run() {
         break;
       case key::kLeft: hscroll_ = std::max(0, hscroll_ - 1); break;
       case key::kRight:
-        if (hscroll_ + (right_ - left_ - 1) < static_cast<int>(DocSource::kLineWidth)) ++hscroll_;
+        if (hscroll_ + TextWidth() < static_cast<int>(DocSource::kLineWidth)) ++hscroll_;
         break;
       case key::kF3: Find(true); break;
       case key::kF1: RequestHelp(kViewerHelpTopic); break;

@@ -34,6 +34,7 @@ class DocViewer {
  private:
   void Draw();
   int Rows() const;
+  int TextWidth() const;
   void ScrollTo(std::size_t line);
   void Find(bool again);
   // Searches from line `from`; returns the line found or -1; false when the user stopped it.

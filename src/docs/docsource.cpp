@@ -19,7 +19,7 @@ DocSource::DocSource(const std::string& path, std::uint64_t offset, std::uint64_
   remaining_ = length ? length : std::numeric_limits<std::uint64_t>::max();
 }
 
-DocSource::DocSource(std::string text) : opened_(true) {
+DocSource::DocSource(InMemory, std::string text) : opened_(true) {
   Take(text.data(), text.size());
   if (have_partial_) EndLine();
   complete_ = true;

@@ -18,7 +18,8 @@ class DocSource {
   // The bytes [offset, offset+length) of `path` (length 0 = to the end of the file).
   DocSource(const std::string& path, std::uint64_t offset = 0, std::uint64_t length = 0);
   // Text held in memory (a generated preview, for instance).
-  explicit DocSource(std::string text);
+  struct InMemory {};
+  DocSource(InMemory, std::string text);
   ~DocSource();
   DocSource(const DocSource&) = delete;
   DocSource& operator=(const DocSource&) = delete;

@@ -5,7 +5,7 @@
 #include "shell/build_info.h"
 #include "shell/cmdline.h"
 #include "shell/program.h"
-#include "tui/frame.h"
+#include "tui/dialog.h"
 #include "tui/keys.h"
 #include "tui/ui.h"
 
@@ -58,16 +58,8 @@ void ShowInformation() {
   for (const auto& l : lines) width = std::max(width, static_cast<int>(l.size()));
   width = std::min(width + 4, s.Width() - 4);
   const int height = static_cast<int>(lines.size()) + 4;
-  const int left = (s.Width() - width) / 2 + 1;
-  const int top = std::max(kHeaderRows + 2, (s.Height() - height) / 2 + 1);
-  const int right = left + width - 1;
-  const int bottom = top + height - 1;
-  auto beneath = s.Save(left, top, right + kShadowCols, bottom + kShadowRows);
-  auto status = s.Save(1, s.Height(), s.Width(), s.Height());
-  s.FillRect(left, top, right, bottom, ' ', c[kWindowText]);
-  DrawFrame(left, top, right, bottom, c[kWindowFrame], kDoubleFrame);
-  DrawFrameTitle(right, top, c[kWindowTitle], "Information");
-  DrawShadow(left, top, right, bottom);
+  const Dialog d = Dialog::Centred(width, height, "Information");
+  const int left = d.left(), top = d.top();
   for (std::size_t i = 0; i < lines.size(); ++i) {
     const int row = top + 2 + static_cast<int>(i);
     const std::string& l = lines[i];
@@ -84,8 +76,6 @@ void ShowInformation() {
     if (extended && k == key::kF1) RequestHelp(kInfoTopic);
     if (extended && k == key::kAltZ) RequestPopup();
   }
-  s.Restore(beneath);
-  s.Restore(status);
 }
 
 }  // namespace ks

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <string>
 
-#include "tui/frame.h"
+#include "tui/dialog.h"
 #include "tui/keys.h"
 #include "tui/ui.h"
 
@@ -45,17 +45,8 @@ void DrawChart(int left, int top, int sel) {
 
 void ShowCharacterChart() {
   Screen& s = scr();
-  const auto& c = ui().colours;
-  const int left = (s.Width() - kWidth) / 2 + 1;
-  const int top = std::max(kHeaderRows + 1, (s.Height() - kHeight) / 2 + 1);
-  const int right = left + kWidth - 1;
-  const int bottom = top + kHeight - 1;
-  auto beneath = s.Save(left, top, right + kShadowCols, bottom + kShadowRows);
-  auto status = s.Save(1, s.Height(), s.Width(), s.Height());
-  s.FillRect(left, top, right, bottom, ' ', c[kWindowText]);
-  DrawFrame(left, top, right, bottom, c[kWindowFrame], kDoubleFrame);
-  DrawFrameTitle(right, top, c[kWindowTitle], "Character chart");
-  DrawShadow(left, top, right, bottom);
+  const Dialog d = Dialog::Centred(kWidth, kHeight, "Character chart");
+  const int left = d.left(), top = d.top();
   ShowStatus("~Arrows~-move ~Home~/~End~-row ~PgUp~/~PgDn~-column ~Esc~-close");
   int sel = 'A';
   for (;;) {
@@ -80,8 +71,6 @@ void ShowCharacterChart() {
       default: break;
     }
   }
-  s.Restore(beneath);
-  s.Restore(status);
 }
 
 }  // namespace ks

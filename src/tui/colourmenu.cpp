@@ -3,7 +3,7 @@
 #include <string>
 
 #include "tui/box.h"
-#include "tui/frame.h"
+#include "tui/dialog.h"
 #include "tui/keys.h"
 #include "tui/menu.h"
 #include "tui/ui.h"
@@ -56,32 +56,6 @@ const MenuDef& ColorsMenuDef() {
                               }};
   return def;
 }
-
-// A framed box of the dialogue colours, with what lies beneath saved.
-class Dialog {
- public:
-  Dialog(int left, int top, int right, int bottom, const char* title)
-      : left_(left), top_(top), right_(right), bottom_(bottom) {
-    Screen& s = scr();
-    const auto& c = ui().colours;
-    beneath_ = s.Save(left, top, right + kShadowCols, bottom + kShadowRows);
-    status_ = s.Save(1, s.Height(), s.Width(), s.Height());
-    s.FillRect(left, top, right, bottom, ' ', c[kWindowText]);
-    DrawFrame(left, top, right, bottom, c[kWindowFrame], kDoubleFrame);
-    DrawFrameTitle(right, top, c[kWindowTitle], title);
-    DrawShadow(left, top, right, bottom);
-  }
-  ~Dialog() {
-    scr().Restore(beneath_);
-    scr().Restore(status_);
-  }
-  int left() const { return left_; }
-  int top() const { return top_; }
-
- private:
-  int left_, top_, right_, bottom_;
-  Screen::Saved beneath_, status_;
-};
 
 std::string Hex2(int v) {
   static const char kHex[] = "0123456789ABCDEF";

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tui/frame.h"
+#include "tui/dialog.h"
 #include "tui/keys.h"
 #include "tui/ui.h"
 
@@ -77,21 +77,11 @@ std::optional<std::string> AskText(const std::string& title, const std::string& 
   Screen& s = scr();
   const auto& c = ui().colours;
   const int field = std::min(max_len, 50);
-  const int inner = static_cast<int>(prompt.size()) + field + 3;
-  const int left = (s.Width() - inner) / 2;
-  const int right = left + inner + 1;
-  const int top = s.Height() / 2 - 1;
-  const int bottom = top + 2;
-  auto beneath = s.Save(left, top, right + kShadowCols, bottom + kShadowRows);
-  s.FillRect(left, top, right, bottom, ' ', c[kWindowText]);
-  DrawFrame(left, top, right, bottom, c[kWindowFrame], kDoubleFrame);
-  DrawFrameTitle(right, top, c[kWindowTitle], title);
-  DrawShadow(left, top, right, bottom);
-  s.WriteStr(left + 2, top + 1, c[kWindowText], prompt);
-  auto text = InputLine(left + 2 + static_cast<int>(prompt.size()), top + 1, field, max_len,
-                        std::move(initial), c[kDataInput]);
-  s.Restore(beneath);
-  return text;
+  const int width = static_cast<int>(prompt.size()) + field + 5;
+  const Dialog d = Dialog::Centred(width, 3, title.c_str());
+  s.WriteStr(d.left() + 2, d.top() + 1, c[kWindowText], prompt);
+  return InputLine(d.left() + 2 + static_cast<int>(prompt.size()), d.top() + 1, field, max_len,
+                   std::move(initial), c[kDataInput]);
 }
 
 }  // namespace ks

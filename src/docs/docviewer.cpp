@@ -82,7 +82,7 @@ void DocViewer::Draw() {
       for (std::size_t i = 0; at != std::string::npos && i < upper_search.size(); ++i) {
         const int x = static_cast<int>(at + i) - hscroll_;
         if (x >= 0 && x < width) {
-          Cell cell = s.At(left_ + 1 + x, row);
+          Cell cell = s.At(text_left + x, row);
           cell.attr = c[kHelpFind];
           s.Put(text_left + x, row, cell);
         }
@@ -116,12 +116,11 @@ bool DocViewer::Search(std::size_t from, long& found) {
       }
       if (!doc_.Have(n)) break;
     }
+    // Any key stops a search (the key itself is used up by that).
     if (checked % kKeyCheckLines == kKeyCheckLines - 1 && s.KeyPressed()) {
-      bool extended = false;
-      if (s.ReadCode(&extended) == key::kEsc && !extended) {
-        ShowStatus(kViewerKeyLine);
-        return false;
-      }
+      s.ReadCode();
+      ShowStatus(kViewerKeyLine);
+      return false;
     }
     if (Upper(doc_.line(n)).find(needle) != std::string::npos) {
       found = static_cast<long>(n);
@@ -162,7 +161,7 @@ void DocViewer::Print() {
   if (error.empty())
     MessageBox("The document was sent to the printer", {"Ok"}, kViewerHelpTopic);
   else
-    ErrorBox(error, kViewerHelpTopic);
+    MessageBoxLines({error}, {"Ok"}, kViewerHelpTopic);  // an error may name a path
 }
 
 void DocViewer::Run() {

@@ -43,7 +43,7 @@ void HelpSystem::Show(int topic) {
   if (depth_ >= kMaxDepth) return;
   if (topic == 0) topic = kMainHelpTopic;
   if (!index_) {
-    MessageBoxLines({"Help is not available:", doc_path_ + " or " + kHelpIndexName,
+    MessageBoxLines({"Help is not available:", doc_path_, "or " + idx_path_,
                      "is missing or damaged."},
                     {"Ok"});
     return;

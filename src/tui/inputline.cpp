@@ -76,7 +76,7 @@ std::optional<std::string> AskText(const std::string& title, const std::string& 
                                    int max_len, std::string initial) {
   Screen& s = scr();
   const auto& c = ui().colours;
-  const int field = std::min(max_len, 50);
+  const int field = std::min(max_len + 1, 50);  // room for the cursor after a full text
   const int width = static_cast<int>(prompt.size()) + field + 5;
   const Dialog d = Dialog::Centred(width, 3, title.c_str());
   s.WriteStr(d.left() + 2, d.top() + 1, c[kWindowText], prompt);

@@ -48,6 +48,8 @@ class ScreenSession {
   // Shows the cursor and leaves the header rows standing above a cleared terminal.
   void Close(int keep_rows) {
     if (!screen_) return;
+    // The text window below the header is cleared in light grey, the cursor at its top left.
+    screen_->FillRect(1, keep_rows + 1, screen_->Width(), screen_->Height(), ' ', 0x07);
     screen_->SetCursorShape(CursorShape::kUnderline);
     screen_->GotoXY(1, keep_rows + 1);
     screen_->Flush();

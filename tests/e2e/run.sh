@@ -1,0 +1,294 @@
+#!/usr/bin/env bash
+# End-to-end checks: the real ksetup in a real pseudo-terminal (a private tmux server), one
+# fresh program directory per case. Keys go in with `tmux send-keys`, the screen comes back with
+# `tmux capture-pane`, and every wait polls for a condition with a generous timeout.
+#
+#   run.sh <path of ksetup> <build dir>
+#
+# Exit status: 0 all passed, 1 a case failed, 77 skipped (no tmux).
+set -u
+
+if [ $# -ne 2 ]; then
+  echo "usage: $0 <path of ksetup> <build dir>" >&2
+  exit 2
+fi
+KSETUP_BIN=$1
+BUILD_DIR=$2
+
+if ! command -v tmux >/dev/null 2>&1; then
+  echo "tmux is not installed: end-to-end tests skipped"
+  exit 77
+fi
+
+# Everything on the screen is compared as UTF-8 text.
+export LC_ALL=C.UTF-8
+
+WORK=$(mktemp -d "${TMPDIR:-/tmp}/ks-e2e.XXXXXX")
+SOCKET=ks-e2e-$$
+tmx() { tmux -L "$SOCKET" -f /dev/null "$@"; }
+cleanup() {
+  tmx kill-server >/dev/null 2>&1
+  rm -rf "$WORK"
+}
+trap cleanup EXIT
+trap 'exit 1' INT TERM HUP
+
+# A private copy of the binary: a setup.ksx lying beside the real one (a developer's own test
+# run in the build directory) would win over KESTRA and point every case at the wrong file.
+mkdir "$WORK/bin"
+cp "$KSETUP_BIN" "$WORK/bin/ksetup" || exit 1
+KSETUP=$WORK/bin/ksetup
+MKDEMO=$BUILD_DIR/mkdemo
+
+TIMEOUT_TICKS=200 # 10 s at one look every 0.05 s
+SETUP_SIZE=17884
+PAST=946684800 # 2000-01-01 00:00:00 UTC, the time stamp the cases put on setup.ksx
+
+failures=0
+SESSION=
+DIR=
+STATUS=
+WHY=
+
+# ---- helpers --------------------------------------------------------------------------------
+
+# start NAME DIR [ARGS...]: runs ksetup on program directory DIR in a new 80x25 session. When
+# the program ends its exit status goes to $STATUS; the pane then stays as the program left it
+# until the server is killed at the end of the run.
+start() {
+  SESSION=$1
+  DIR=$2
+  shift 2
+  STATUS=$WORK/$SESSION.status
+  WHY=
+  tmx new-session -d -s "$SESSION" -x 80 -y 25 -- \
+    sh -c 'st=$1; shift; "$@"; echo "EXIT=$?" > "$st.new"; mv "$st.new" "$st"; exec tail -f /dev/null' \
+    sh "$STATUS" env -i PATH=/usr/bin:/bin HOME="$WORK" LC_ALL=C.UTF-8 TERM=xterm-256color \
+    KESTRA="$DIR" "$KSETUP" "$@"
+}
+
+pane() { tmx capture-pane -p -t "$SESSION"; }
+row() { pane | sed -n "$1p"; }
+keys() { tmx send-keys -t "$SESSION" "$@"; }
+
+# wait_text TEXT [ROW]: until TEXT shows on the screen (on row ROW when given).
+wait_text() {
+  local i
+  for ((i = 0; i < TIMEOUT_TICKS; i++)); do
+    if [ $# -ge 2 ]; then
+      case $(row "$2") in *"$1"*) return 0 ;; esac
+    else
+      pane | grep -qF -- "$1" && return 0
+    fi
+    sleep 0.05
+  done
+  WHY="\"$1\" did not appear${2:+ on row $2}"
+  return 1
+}
+
+# wait_exit: until the program has ended with status 0.
+wait_exit() {
+  local i
+  for ((i = 0; i < TIMEOUT_TICKS; i++)); do
+    if [ -f "$STATUS" ]; then
+      [ "$(cat "$STATUS")" = "EXIT=0" ] && return 0
+      WHY="program ended with $(cat "$STATUS"), expected EXIT=0"
+      return 1
+    fi
+    sleep 0.05
+  done
+  WHY="program did not end"
+  return 1
+}
+
+fail() {
+  WHY=$1
+  return 1
+}
+
+mtime() { stat -c %Y "$1"; }
+first_byte() { od -An -tu1 -N1 "$1" | tr -d ' '; }
+
+# check_setup FILE: the setup file has its fixed size and revision byte.
+check_setup() {
+  [ -f "$1" ] || fail "$1 missing" || return 1
+  [ "$(stat -c %s "$1")" = "$SETUP_SIZE" ] || fail "$1 is $(stat -c %s "$1") bytes" || return 1
+  [ "$(first_byte "$1")" = 18 ] || fail "$1 starts with byte $(first_byte "$1")"
+}
+
+# check_header_left: after the end only the four header rows stay, the rest is blank.
+check_header_left() {
+  local screen
+  screen=$(pane)
+  case $(sed -n 1p <<<"$screen") in "╔"*"╗") ;; *) fail "row 1 is not the header frame" || return 1 ;; esac
+  case $(sed -n 2p <<<"$screen") in "║ KESTRA 6.1.7-"*) ;; *) fail "row 2 is not the header" || return 1 ;; esac
+  case $(sed -n 4p <<<"$screen") in "╚"*"╝") ;; *) fail "row 4 is not the header frame" || return 1 ;; esac
+  [ -z "$(sed -n '5,$p' <<<"$screen" | tr -d ' \n')" ] || fail "rows below the header not cleared"
+}
+
+new_dir() { mktemp -d "$WORK/dir.XXXXXX"; }
+
+demo_dir() {
+  local d
+  d=$(new_dir)
+  "$MKDEMO" "$d" >/dev/null || return 1
+  touch -d @"$PAST" "$d/setup.ksx"
+  echo "$d"
+}
+
+# run_case NAME FUNCTION: one line per case; on failure the reason and the screen.
+run_case() {
+  local name=$1
+  if "$2"; then
+    echo "ok   $name"
+  else
+    echo "FAIL $name: ${WHY:-failed}"
+    if [ -n "$SESSION" ]; then
+      echo "---- screen of session $SESSION ----"
+      pane 2>/dev/null | sed 's/^/| /'
+      echo "-------------------------------------"
+    fi
+    failures=$((failures + 1))
+  fi
+  [ -n "$SESSION" ] && tmx kill-session -t "$SESSION" >/dev/null 2>&1
+  SESSION=
+}
+
+# ---- cases ----------------------------------------------------------------------------------
+
+case_create() {
+  start create "$(new_dir)"
+  wait_text "File not found, create a new one?" || return 1
+  wait_text "Yes    No" || return 1
+  [ ! -e "$DIR/setup.ksx" ] || fail "setup.ksx written before the answer" || return 1
+  keys Enter
+  wait_text "Miscellaneous system parameters" 25 || return 1
+  pane | grep -qF "═ Main ═" || fail "no Main menu box" || return 1
+  pane | grep -qF "║ System data " || fail "no System data item" || return 1
+  pane | grep -qF "║ Exit program " || fail "no Exit program item" || return 1
+  check_setup "$DIR/setup.ksx" || return 1
+  keys F10
+  wait_exit || return 1
+  check_setup "$DIR/setup.ksx" || return 1
+  check_header_left
+}
+
+case_usage() {
+  start usage "$(new_dir)" /mono
+  wait_exit || return 1
+  local screen
+  screen=$(pane)
+  # The banner comes first, in yellow, then the rights line, a blank line and the usage text.
+  case $(sed -n 1p <<<"$screen") in "KESTRA 6.1.7-"*" Setup program "*) ;; *) fail "no banner on row 1" || return 1 ;; esac
+  tmx capture-pane -p -e -t "$SESSION" | head -n 1 | grep -qF $'\e[93m' ||
+    fail "banner is not yellow" || return 1
+  local expected
+  expected=$(printf '%s\n' "Usage:" "" "   KSETUP [command] [switches]" "" "Commands" \
+    "   Index    Rebuild index files" "   Pack     Pack data files" "" "Switches" \
+    "   -Mono    Force mono mode" "   -Color   Force color mode" \
+    "   -SFI     Force Speech Friendly Interface")
+  [ "$(sed -n 4,15p <<<"$screen")" = "$expected" ] || fail "usage text differs" || return 1
+  [ ! -e "$DIR/setup.ksx" ] || fail "setup.ksx created"
+}
+
+case_busy() {
+  local d before
+  d=$(demo_dir) || fail "mkdemo failed" || return 1
+  touch "$d/kestra.bsy"
+  before=$(cd "$d" && ls -l --time-style=+%s && cksum setup.ksx)
+  start busy "$d" Index
+  wait_exit || return 1
+  pane | grep -qxF "KESTRA/KSETUP is currently busy in another task" ||
+    fail "no busy message" || return 1
+  case $(row 1) in "KESTRA 6.1.7-"*) ;; *) fail "no banner on row 1" || return 1 ;; esac
+  [ "$(cd "$d" && ls -l --time-style=+%s && cksum setup.ksx)" = "$before" ] ||
+    fail "program directory changed while busy"
+}
+
+case_f10_f9() {
+  local d
+  d=$(demo_dir) || fail "mkdemo failed" || return 1
+  cp "$d/setup.ksx" "$WORK/demo.ksx"
+  start f10 "$d"
+  wait_text "Miscellaneous system parameters" 25 || return 1
+  wait_text "2:280/5555" 2 || return 1
+  keys F10
+  wait_exit || return 1
+  check_setup "$d/setup.ksx" || return 1
+  [ "$(mtime "$d/setup.ksx")" -gt "$PAST" ] || fail "F10 did not write setup.ksx" || return 1
+  cmp -s "$d/setup.ksx" "$WORK/demo.ksx" || fail "F10 changed an unchanged configuration" || return 1
+  check_header_left || return 1
+  tmx kill-session -t "$SESSION"
+
+  touch -d @"$PAST" "$d/setup.ksx"
+  start f9 "$d"
+  wait_text "Miscellaneous system parameters" 25 || return 1
+  keys F9
+  wait_exit || return 1
+  [ "$(mtime "$d/setup.ksx")" = "$PAST" ] || fail "F9 wrote setup.ksx" || return 1
+  cmp -s "$d/setup.ksx" "$WORK/demo.ksx" || fail "F9 changed setup.ksx" || return 1
+  # The atomic save leaves no temporary file behind.
+  [ "$(ls "$d" | sort | tr '\n' ' ')" = "KESTRA.DOC KS_DOC.IDX setup.ksx " ] ||
+    fail "unexpected files: $(ls "$d" | tr '\n' ' ')" || return 1
+  check_header_left
+}
+
+case_exit_item() {
+  local d
+  d=$(demo_dir) || fail "mkdemo failed" || return 1
+  start exit "$d"
+  wait_text "Miscellaneous system parameters" 25 || return 1
+  keys End
+  wait_text "Exit program" 25 || return 1
+  keys Enter
+  # An unchanged configuration ends without the save question.
+  wait_exit || return 1
+  [ "$(mtime "$d/setup.ksx")" = "$PAST" ] || fail "setup.ksx written" || return 1
+  check_header_left
+}
+
+case_help_chart() {
+  local d
+  d=$(demo_dir) || fail "mkdemo failed" || return 1
+  start help "$d"
+  wait_text "Miscellaneous system parameters" 25 || return 1
+  # F1 shows the highlighted item's own topic ...
+  keys F1
+  wait_text "F-find" 25 || return 1
+  wait_text "═ System data ═" 5 || return 1
+  keys Escape
+  wait_text "Miscellaneous system parameters" 25 || return 1
+  # ... and the menu's topic for an item without one ("Echomail system").
+  keys Down Down
+  wait_text "Echomail configuration" 25 || return 1
+  keys F1
+  wait_text "F-find" 25 || return 1
+  wait_text "═ KSETUP main menu ═" 5 || return 1
+  keys Escape
+  wait_text "Echomail configuration" 25 || return 1
+  pane | grep -qF "═ Main ═" || fail "main menu not back after the help" || return 1
+  # Alt-Z opens the character chart from anywhere.
+  keys M-z
+  wait_text "═ Character chart ═" || return 1
+  keys Escape
+  wait_text "Echomail configuration" 25 || return 1
+  ! pane | grep -qF "Character chart" || fail "chart still open" || return 1
+  keys F9
+  wait_exit
+}
+
+[ -x "$MKDEMO" ] || { echo "FAIL setup: $MKDEMO not built"; exit 1; }
+tmx new-session -d -s idle -x 80 -y 25 || { echo "FAIL setup: tmux server did not start"; exit 1; }
+
+run_case "create setup.ksx on first start, F10, header left" case_create
+run_case "usage text for /mono" case_usage
+run_case "busy marker with the Index command" case_busy
+run_case "F10 saves, F9 leaves setup.ksx untouched" case_f10_f9
+run_case "Exit program without changes asks nothing" case_exit_item
+run_case "F1 help viewer and Alt-Z character chart" case_help_chart
+
+if [ "$failures" -gt 0 ]; then
+  echo "$failures case(s) failed"
+  exit 1
+fi
+echo "all cases passed"

@@ -62,12 +62,12 @@ void DocSource::Take(const char* data, std::size_t n) {
 
 bool DocSource::ReadPortion() {
   if (complete_) return false;
-  char buf[kPortion];
+  std::vector<char> buf(kPortion);
   const std::size_t want =
-      static_cast<std::size_t>(std::min<std::uint64_t>(remaining_, sizeof buf));
-  const std::size_t got = want ? std::fread(buf, 1, want, file_) : 0;
+      static_cast<std::size_t>(std::min<std::uint64_t>(remaining_, buf.size()));
+  const std::size_t got = want ? std::fread(buf.data(), 1, want, file_) : 0;
   remaining_ -= got;
-  Take(buf, got);
+  Take(buf.data(), got);
   if (got < want || remaining_ == 0 || got == 0) {
     if (have_partial_) EndLine();
     complete_ = true;

@@ -42,8 +42,11 @@ TEST_F(ColorsMenuTest, CustomizedPicksAColourAndMarksTheSetCustomized) {
   EXPECT_TRUE(Run("<Home><Enter><Enter><Right><Enter><Esc><Esc>"));
   EXPECT_EQ(set_[kWindowFrame - 1], 0x0C);
   EXPECT_EQ(set_[kSchemeNumber - 1], kSchemeCustomized);
-  for (int k = 1; k <= kColourSetSize; ++k)
-    if (k != kWindowFrame && k != kSchemeNumber) EXPECT_EQ(set_[k - 1], DefaultColourSet()[k - 1]);
+  for (int k = 1; k <= kColourSetSize; ++k) {
+    if (k != kWindowFrame && k != kSchemeNumber) {
+      EXPECT_EQ(set_[k - 1], DefaultColourSet()[k - 1]);
+    }
+  }
 }
 
 TEST_F(ColorsMenuTest, PickerShowsTheSampleAndEscAborts) {

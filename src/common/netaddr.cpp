@@ -5,8 +5,8 @@
 namespace ks {
 
 std::string FormatAddr(const NetAddr& a) {
-  std::string s = std::to_string(a.zone) + ":" + std::to_string(a.net) + "/" +
-                  std::to_string(a.node);
+  std::string s =
+      std::to_string(a.zone) + ":" + std::to_string(a.net) + "/" + std::to_string(a.node);
   if (a.point != 0) s += "." + std::to_string(a.point);
   return s;
 }

@@ -1,9 +1,9 @@
 #include "docs/docviewer.h"
 
+#include <sys/wait.h>
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
-#include <sys/wait.h>
 
 #include "common/cp437.h"
 #include "common/fileutil.h"
@@ -52,8 +52,12 @@ DocViewer::DocViewer(DocSource& doc, std::string title)
   bottom_row_ = s.Height() - 1;
 }
 
-int DocViewer::Rows() const { return bottom_row_ - top_row_ - 1; }
-int DocViewer::TextWidth() const { return right_ - left_ - 2; }
+int DocViewer::Rows() const {
+  return bottom_row_ - top_row_ - 1;
+}
+int DocViewer::TextWidth() const {
+  return right_ - left_ - 2;
+}
 
 void DocViewer::Draw() {
   Screen& s = scr();
@@ -72,9 +76,9 @@ void DocViewer::Draw() {
     const std::string& line = doc_.line(n);
     for (int x = 0; x < width; ++x) {
       const std::size_t i = static_cast<std::size_t>(x + hscroll_);
-      s.Put(text_left + x, row,
-            {i < line.size() ? static_cast<std::uint8_t>(line[i]) : std::uint8_t{' '},
-             c[kHelpText]});
+      s.Put(
+          text_left + x, row,
+          {i < line.size() ? static_cast<std::uint8_t>(line[i]) : std::uint8_t{' '}, c[kHelpText]});
     }
     // The text of the last match stands out.
     if (static_cast<long>(n) == found_ && !upper_search.empty()) {
@@ -139,8 +143,7 @@ void DocViewer::Find(bool again) {
     found_ = -1;
   }
   // A new search starts at the first line on screen, a repeated one after the last match.
-  const std::size_t from =
-      again && found_ >= 0 ? static_cast<std::size_t>(found_) + 1 : top_;
+  const std::size_t from = again && found_ >= 0 ? static_cast<std::size_t>(found_) + 1 : top_;
   long found = -1;
   if (!Search(from, found)) return;
   if (found < 0) {
@@ -183,31 +186,58 @@ void DocViewer::Run() {
     const std::uint8_t k = s.ReadCode(&extended);
     if (!extended) {
       switch (std::toupper(k)) {
-        case key::kEsc: s.Restore(beneath); return;
-        case 'F': Find(false); break;
-        case 'P': Print(); break;
-        default: break;
+        case key::kEsc:
+          s.Restore(beneath);
+          return;
+        case 'F':
+          Find(false);
+          break;
+        case 'P':
+          Print();
+          break;
+        default:
+          break;
       }
       continue;
     }
     switch (k) {
-      case key::kUp: if (top_ > 0) --top_; break;
-      case key::kDown: if (doc_.Have(top_ + page)) ++top_; break;
-      case key::kPgUp: top_ = top_ > page ? top_ - page : 0; break;
-      case key::kPgDn: if (doc_.Have(top_ + page)) ScrollTo(top_ + page); break;
-      case key::kHome: top_ = 0; hscroll_ = 0; break;
+      case key::kUp:
+        if (top_ > 0) --top_;
+        break;
+      case key::kDown:
+        if (doc_.Have(top_ + page)) ++top_;
+        break;
+      case key::kPgUp:
+        top_ = top_ > page ? top_ - page : 0;
+        break;
+      case key::kPgDn:
+        if (doc_.Have(top_ + page)) ScrollTo(top_ + page);
+        break;
+      case key::kHome:
+        top_ = 0;
+        hscroll_ = 0;
+        break;
       case key::kEnd:
         doc_.LoadAll();
         ScrollTo(doc_.loaded());
         break;
-      case key::kLeft: hscroll_ = std::max(0, hscroll_ - 1); break;
+      case key::kLeft:
+        hscroll_ = std::max(0, hscroll_ - 1);
+        break;
       case key::kRight:
         if (hscroll_ + TextWidth() < static_cast<int>(DocSource::kLineWidth)) ++hscroll_;
         break;
-      case key::kF3: Find(true); break;
-      case key::kF1: RequestHelp(kViewerHelpTopic); break;
-      case key::kAltZ: RequestPopup(); break;
-      default: break;
+      case key::kF3:
+        Find(true);
+        break;
+      case key::kF1:
+        RequestHelp(kViewerHelpTopic);
+        break;
+      case key::kAltZ:
+        RequestPopup();
+        break;
+      default:
+        break;
     }
   }
 }

@@ -22,7 +22,9 @@ bool HelpSystem::Open(const std::string& idx_path, const std::string& doc_path) 
   return index_.has_value();
 }
 
-void HelpSystem::Close() { index_.reset(); }
+void HelpSystem::Close() {
+  index_.reset();
+}
 
 std::string HelpSystem::TopicTitle(int topic) const {
   if (!index_ || topic <= 0 || topic > 0xFFFF) return {};
@@ -43,13 +45,12 @@ void HelpSystem::Show(int topic) {
   if (depth_ >= kMaxDepth) return;
   if (topic == 0) topic = kMainHelpTopic;
   if (!index_) {
-    MessageBoxLines({"Help is not available:", doc_path_, "or " + idx_path_,
-                     "is missing or damaged."},
-                    {"Ok"});
+    MessageBoxLines(
+        {"Help is not available:", doc_path_, "or " + idx_path_, "is missing or damaged."}, {"Ok"});
     return;
   }
-  auto entry = topic > 0 && topic <= 0xFFFF ? index_->Find(static_cast<std::uint16_t>(topic))
-                                            : std::nullopt;
+  auto entry =
+      topic > 0 && topic <= 0xFFFF ? index_->Find(static_cast<std::uint16_t>(topic)) : std::nullopt;
   if (!entry) {
     ErrorBox("There is no help on topic " + std::to_string(topic) + " in " + kHelpDocName);
     return;

@@ -18,7 +18,7 @@ struct AppEnv {
   std::string argv0;
   std::vector<std::string> args;
   GetEnvFn getenv;
-  std::string self_exe;           // the program file, links resolved
+  std::string self_exe;            // the program file, links resolved
   std::string installed_data_dir;  // where an installed copy keeps its help files
   std::ostream* out = nullptr;     // the plain console
   ConsoleOptions console;

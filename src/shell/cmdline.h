@@ -8,9 +8,9 @@
 namespace ks {
 
 struct CommandLine {
-  bool ok = true;      // false: an argument was not recognised (print the usage text)
-  bool index = false;  // "Index": rebuild all index files
-  bool pack = false;   // "Pack": pack all data files
+  bool ok = true;              // false: an argument was not recognised (print the usage text)
+  bool index = false;          // "Index": rebuild all index files
+  bool pack = false;           // "Pack": pack all data files
   std::optional<bool> colour;  // -Mono / -Color, the last one given wins
   bool sfi = false;            // -SFI
 };

@@ -43,8 +43,7 @@ const MenuDef& MainMenuDef() {
           {"", "Echomail system", "Echomail configuration", 0},
           {"", "Fileecho system", "Fileecho configuration", 38},
           {"", "New file reports", "Define new file reports", 14},
-          {"", "BBS fileareas", "Define which BBS file areas should be scanned for new files",
-           18},
+          {"", "BBS fileareas", "Define which BBS file areas should be scanned for new files", 18},
           {"", "ALLFILES lists", "ALLFILES configuration", 21},
           {"", "Request processor", "Request processor configuration", 23},
           {"", "Node manager", "Connected systems configuration", 19},
@@ -111,8 +110,7 @@ const MenuDef& UtilitiesMenuDef() {
       {
           {"", "Template editor", "Template file editor", 41},
           {"", "Export data", "Export configuration to text files", 20},
-          {"", "Import data", "Import FileMgr, James, or TICK fileecho and node configuration",
-           31},
+          {"", "Import data", "Import FileMgr, James, or TICK fileecho and node configuration", 31},
           {"", "Uplink requests", "View and delete uplink requests", 51},
       },
   };
@@ -140,7 +138,9 @@ void WriteHeaderAddress(const KESTRAcfg& cfg) {
 
 namespace {
 
-bool HasMainAddress() { return prog().cfg->addresses[0].zone != 0; }
+bool HasMainAddress() {
+  return prog().cfg->addresses[0].zone != 0;
+}
 
 void Act(const std::function<void()>& action) {
   if (action) action();

@@ -31,7 +31,9 @@ bool FindSetupIn(const std::string& dir, ProgramDir& out) {
   return false;
 }
 
-bool IsHexDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F'); }
+bool IsHexDigit(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F');
+}
 
 }  // namespace
 

@@ -7,7 +7,7 @@
 namespace ks {
 
 struct ProgramDir {
-  std::string path;                     // with a trailing "/"
+  std::string path;                      // with a trailing "/"
   std::string setup_name = "setup.ksx";  // the spelling found on disk
 };
 

@@ -8,8 +8,12 @@ namespace {
 Program g_prog;
 }
 
-Program& prog() { return g_prog; }
-void ResetProgram() { g_prog = Program(); }
+Program& prog() {
+  return g_prog;
+}
+void ResetProgram() {
+  g_prog = Program();
+}
 
 std::string Program::DataDir() const {
   if (cfg && !cfg->dataPath.empty()) return AddSlash(cfg->dataPath.str());

@@ -16,9 +16,9 @@ struct Program {
   bool sfi_forced = false;               // ... because the command line asked for it
   bool do_index = false;
   bool do_pack = false;
-  std::unique_ptr<KESTRAcfg> cfg;        // the configuration, edited in place by every screen
-  std::string work_dir;                  // where temporary files go
-  std::string help_dir;                  // where KESTRA.DOC and KS_DOC.IDX were found
+  std::unique_ptr<KESTRAcfg> cfg;  // the configuration, edited in place by every screen
+  std::string work_dir;            // where temporary files go
+  std::string help_dir;            // where KESTRA.DOC and KS_DOC.IDX were found
 
   std::string SetupPath() const { return exe_path + setup_name; }
   // The directory of the record files: the configured data path, or the program directory.

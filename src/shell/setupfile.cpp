@@ -50,7 +50,9 @@ TSetupLoadResult TSetupFile::Load(const std::string& name) {
   return slOK;
 }
 
-bool TSetupFile::NeedsUpgrade() const { return loaded_ && rec_.revision < kCurrentRevision; }
+bool TSetupFile::NeedsUpgrade() const {
+  return loaded_ && rec_.revision < kCurrentRevision;
+}
 
 void TSetupFile::Upgrade() {
   if (!loaded_) return;

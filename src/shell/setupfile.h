@@ -56,7 +56,7 @@ void StampVersion(KESTRAcfg& rec);
 // is called before the first message box (it opens the screen, installs colours, draws the
 // desktop); it gets the record when one was read, or nullptr.
 struct SetupLoadContext {
-  std::string dir;                      // the program directory, with a trailing "/"
+  std::string dir;  // the program directory, with a trailing "/"
   std::string setup_name = "setup.ksx";
   bool interactive = true;
   std::function<void(const KESTRAcfg*)> prepare;

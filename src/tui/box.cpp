@@ -74,8 +74,7 @@ void BoxOBJ::DrawItem(int n, bool selected) {
 
 void BoxOBJ::Draw() {
   Screen& s = scr();
-  if (!visible_)
-    beneath_ = s.Save(left_, top_, right_ + kShadowCols, bottom_ + kShadowRows);
+  if (!visible_) beneath_ = s.Save(left_, top_, right_ + kShadowCols, bottom_ + kShadowRows);
   visible_ = true;
   s.FillRect(left_ + 1, top_ + 1, right_ - 1, bottom_ - 1, ' ', text_);
   DrawFrame(left_, top_, right_, bottom_, frame_, kDoubleFrame);

@@ -13,10 +13,10 @@
 namespace ks {
 
 struct BoxItem {
-  int col = 0;  // relative to the box's left column
-  int row = 0;  // relative to the box's top row
-  std::string title;   // up to 75 characters
-  std::string help;    // status line while highlighted, up to 100 characters
+  int col = 0;        // relative to the box's left column
+  int row = 0;        // relative to the box's top row
+  std::string title;  // up to 75 characters
+  std::string help;   // status line while highlighted, up to 100 characters
   std::uint8_t topic = 0;
   int width = 0;       // own highlight width; 0 = the box's widest title
   std::string prefix;  // up to 10 characters drawn in front of the title

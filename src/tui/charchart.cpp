@@ -59,16 +59,35 @@ void ShowCharacterChart() {
       continue;
     }
     switch (k) {
-      case key::kLeft: sel = (sel + 255) % 256; break;
-      case key::kRight: sel = (sel + 1) % 256; break;
-      case key::kUp: sel = (sel + 240) % 256; break;
-      case key::kDown: sel = (sel + 16) % 256; break;
-      case key::kHome: sel -= sel % 16; break;
-      case key::kEnd: sel += 15 - sel % 16; break;
-      case key::kPgUp: sel %= 16; break;
-      case key::kPgDn: sel = 240 + sel % 16; break;
-      case key::kF1: RequestHelp(kHelpTopic); break;
-      default: break;
+      case key::kLeft:
+        sel = (sel + 255) % 256;
+        break;
+      case key::kRight:
+        sel = (sel + 1) % 256;
+        break;
+      case key::kUp:
+        sel = (sel + 240) % 256;
+        break;
+      case key::kDown:
+        sel = (sel + 16) % 256;
+        break;
+      case key::kHome:
+        sel -= sel % 16;
+        break;
+      case key::kEnd:
+        sel += 15 - sel % 16;
+        break;
+      case key::kPgUp:
+        sel %= 16;
+        break;
+      case key::kPgDn:
+        sel = 240 + sel % 16;
+        break;
+      case key::kF1:
+        RequestHelp(kHelpTopic);
+        break;
+      default:
+        break;
     }
   }
 }

@@ -19,22 +19,38 @@ struct EditorSlot {
 
 // The slots the editor offers, in its order: two columns of sixteen.
 constexpr EditorSlot kEditorSlots[] = {
-    {"Window.frame", kWindowFrame},     {"Window.line", kWindowLine},
-    {"Window.title", kWindowTitle},     {"Window.select", kWindowSelect},
-    {"Window.text", kWindowText},       {"Window.data", kWindowData},
-    {"Window.key", kWindowKey},         {"Bottom.line", kBottomLine},
-    {"Bottom.text", kBottomText},       {"Bottom.key", kBottomKey},
-    {"Help.frame", kHelpFrame},         {"Help.title", kHelpTitle},
-    {"Help.text", kHelpText},           {"Help.find", kHelpFind},
-    {"Edit.frame", kEditFrame},         {"Edit.title", kEditTitle},
-    {"Edit.text", kEditText},           {"Edit.select", kEditSelect},
-    {"Header.frame", kHeaderFrame},     {"Header.text", kHeaderText},
-    {"Background", kBackground},        {"Message.frame", kMessageFrame},
-    {"Message.select", kMessageSelect}, {"Message.button", kMessageButton},
-    {"Message.data", kMessageData},     {"Data input", kDataInput},
-    {"Send to", kSendTo},               {"Receive from", kReceiveFrom},
-    {"Send/receive", kSendReceive},     {"Locked out", kLockedOut},
-    {"Inactive", kInactive},            {"BG character", kBgChar},
+    {"Window.frame", kWindowFrame},
+    {"Window.line", kWindowLine},
+    {"Window.title", kWindowTitle},
+    {"Window.select", kWindowSelect},
+    {"Window.text", kWindowText},
+    {"Window.data", kWindowData},
+    {"Window.key", kWindowKey},
+    {"Bottom.line", kBottomLine},
+    {"Bottom.text", kBottomText},
+    {"Bottom.key", kBottomKey},
+    {"Help.frame", kHelpFrame},
+    {"Help.title", kHelpTitle},
+    {"Help.text", kHelpText},
+    {"Help.find", kHelpFind},
+    {"Edit.frame", kEditFrame},
+    {"Edit.title", kEditTitle},
+    {"Edit.text", kEditText},
+    {"Edit.select", kEditSelect},
+    {"Header.frame", kHeaderFrame},
+    {"Header.text", kHeaderText},
+    {"Background", kBackground},
+    {"Message.frame", kMessageFrame},
+    {"Message.select", kMessageSelect},
+    {"Message.button", kMessageButton},
+    {"Message.data", kMessageData},
+    {"Data input", kDataInput},
+    {"Send to", kSendTo},
+    {"Receive from", kReceiveFrom},
+    {"Send/receive", kSendReceive},
+    {"Locked out", kLockedOut},
+    {"Inactive", kInactive},
+    {"BG character", kBgChar},
 };
 constexpr int kSlotsPerColumn = 16;
 
@@ -92,16 +108,35 @@ std::optional<std::uint8_t> PickColour(std::uint8_t current) {
       continue;
     }
     switch (k) {
-      case key::kLeft: fg = (fg + 15) % 16; break;
-      case key::kRight: fg = (fg + 1) % 16; break;
-      case key::kUp: bg = (bg + 15) % 16; break;
-      case key::kDown: bg = (bg + 1) % 16; break;
-      case key::kHome: fg = 0; break;
-      case key::kEnd: fg = 15; break;
-      case key::kPgUp: bg = 0; break;
-      case key::kPgDn: bg = 15; break;
-      case key::kF1: RequestHelp(kColorsHelpTopic); break;
-      default: break;
+      case key::kLeft:
+        fg = (fg + 15) % 16;
+        break;
+      case key::kRight:
+        fg = (fg + 1) % 16;
+        break;
+      case key::kUp:
+        bg = (bg + 15) % 16;
+        break;
+      case key::kDown:
+        bg = (bg + 1) % 16;
+        break;
+      case key::kHome:
+        fg = 0;
+        break;
+      case key::kEnd:
+        fg = 15;
+        break;
+      case key::kPgUp:
+        bg = 0;
+        break;
+      case key::kPgDn:
+        bg = 15;
+        break;
+      case key::kF1:
+        RequestHelp(kColorsHelpTopic);
+        break;
+      default:
+        break;
     }
   }
 }

@@ -35,14 +35,18 @@ constexpr ColourSet MakeNewFileSet() {
 constexpr ColourSet kNewFileSet = MakeNewFileSet();
 
 // Slot values installed in monochrome; 0 marks a slot that keeps the configuration's value.
-constexpr ColourSet kMono = {15,  7,   15, 112, 7,  15, 0,  7,  15, 15, 0,  0,  0,
-                             0,   112, 15, 7,   112, 0, 15, 177, 7, 112, 112, 7, 15,
-                             15,  7,   15, 15,  15,  7, 15, 15, 12, 14, 3,  11};
+constexpr ColourSet kMono = {15, 7,   15, 112, 7,   15, 0,  7,   15, 15,  0,   0, 0,
+                             0,  112, 15, 7,   112, 0,  15, 177, 7,  112, 112, 7, 15,
+                             15, 7,   15, 15,  15,  7,  15, 15,  12, 14,  3,   11};
 
 }  // namespace
 
-const ColourSet& DefaultColourSet() { return kPresets[0]; }
-const ColourSet& NewFileColourSet() { return kNewFileSet; }
+const ColourSet& DefaultColourSet() {
+  return kPresets[0];
+}
+const ColourSet& NewFileColourSet() {
+  return kNewFileSet;
+}
 
 const ColourSet& PresetColourSet(int scheme) {
   if (scheme < kSchemeFirstPreset || scheme > kSchemeLastPreset) return kPresets[0];

@@ -6,8 +6,7 @@
 
 namespace ks {
 
-void DrawFrame(int left, int top, int right, int bottom, std::uint8_t attr,
-               const FrameChars& f) {
+void DrawFrame(int left, int top, int right, int bottom, std::uint8_t attr, const FrameChars& f) {
   Screen& s = scr();
   for (int x = left + 1; x < right; ++x) {
     s.Put(x, top, {f.h, attr});

@@ -12,8 +12,8 @@ namespace {
 constexpr std::uint8_t kCtrlY = 25;
 }
 
-std::optional<std::string> InputLine(int col, int row, int width, int max_len,
-                                     std::string initial, std::uint8_t attr) {
+std::optional<std::string> InputLine(int col, int row, int width, int max_len, std::string initial,
+                                     std::uint8_t attr) {
   Screen& s = scr();
   const CursorShape old_shape = s.cursor_shape();
   std::string text = std::move(initial);
@@ -35,15 +35,26 @@ std::optional<std::string> InputLine(int col, int row, int width, int max_len,
     const std::uint8_t k = s.ReadCode(&extended);
     if (extended) {
       switch (k) {
-        case key::kLeft: pos = std::max(0, pos - 1); break;
-        case key::kRight: pos = std::min(static_cast<int>(text.size()), pos + 1); break;
-        case key::kHome: pos = 0; break;
-        case key::kEnd: pos = static_cast<int>(text.size()); break;
+        case key::kLeft:
+          pos = std::max(0, pos - 1);
+          break;
+        case key::kRight:
+          pos = std::min(static_cast<int>(text.size()), pos + 1);
+          break;
+        case key::kHome:
+          pos = 0;
+          break;
+        case key::kEnd:
+          pos = static_cast<int>(text.size());
+          break;
         case key::kDel:
           if (pos < static_cast<int>(text.size())) text.erase(static_cast<std::size_t>(pos), 1);
           break;
-        case key::kIns: insert = !insert; break;
-        default: break;
+        case key::kIns:
+          insert = !insert;
+          break;
+        default:
+          break;
       }
       continue;
     }
@@ -72,8 +83,8 @@ std::optional<std::string> InputLine(int col, int row, int width, int max_len,
   return result;
 }
 
-std::optional<std::string> AskText(const std::string& title, const std::string& prompt,
-                                   int max_len, std::string initial) {
+std::optional<std::string> AskText(const std::string& title, const std::string& prompt, int max_len,
+                                   std::string initial) {
   Screen& s = scr();
   const auto& c = ui().colours;
   const int field = std::min(max_len + 1, 50);  // room for the cursor after a full text

@@ -40,7 +40,9 @@ struct MsgLayout {
   std::vector<int> button_col;
 };
 
-std::string ButtonText(const std::string& label) { return " " + label + " "; }
+std::string ButtonText(const std::string& label) {
+  return " " + label + " ";
+}
 
 MsgLayout Layout(const MessageBoxSpec& spec) {
   constexpr int kGap = 2;
@@ -72,7 +74,8 @@ std::uint8_t RunMessageBox(const MessageBoxSpec& spec) {
   Screen& s = scr();
   const auto& c = ui().colours;
   const MsgLayout m = Layout(spec);
-  const Screen::Saved beneath = s.Save(m.left, m.top, m.right + kShadowCols, m.bottom + kShadowRows);
+  const Screen::Saved beneath =
+      s.Save(m.left, m.top, m.right + kShadowCols, m.bottom + kShadowRows);
   const CursorShape shape = s.cursor_shape();
   const int cur_col = s.cursor_col(), cur_row = s.cursor_row();
 

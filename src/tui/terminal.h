@@ -9,7 +9,7 @@
 namespace ks {
 
 struct Cell {
-  std::uint8_t ch = ' ';    // CP437 character
+  std::uint8_t ch = ' ';     // CP437 character
   std::uint8_t attr = 0x07;  // low nibble foreground, high nibble background
   bool operator==(const Cell&) const = default;
 };

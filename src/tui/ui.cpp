@@ -10,7 +10,9 @@ namespace {
 Ui g_ui;
 }
 
-Ui& ui() { return g_ui; }
+Ui& ui() {
+  return g_ui;
+}
 
 Screen& scr() {
   if (!g_ui.screen) throw std::logic_error("no screen is open");
@@ -22,7 +24,9 @@ UiScope::UiScope(Screen& screen) {
   g_ui.screen = &screen;
 }
 
-UiScope::~UiScope() { g_ui = Ui(); }
+UiScope::~UiScope() {
+  g_ui = Ui();
+}
 
 void DrawHeader() {
   Screen& s = scr();

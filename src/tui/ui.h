@@ -15,8 +15,8 @@ namespace ks {
 struct Ui {
   Screen* screen = nullptr;
   ColourSlots colours;
-  bool sfi = false;            // speech-friendly interface active
-  bool popup_enabled = false;  // Alt-Z opens the pop-up utility
+  bool sfi = false;                          // speech-friendly interface active
+  bool popup_enabled = false;                // Alt-Z opens the pop-up utility
   std::function<void(int topic)> show_help;  // F1; topic 0 means none
   std::function<void()> popup;               // Alt-Z
   std::string header_line2;                  // left part of the header's text rows

@@ -15,17 +15,27 @@ namespace {
 const std::map<std::string, std::vector<std::uint8_t>, std::less<>>& KeyNames() {
   static const auto* names = [] {
     auto* m = new std::map<std::string, std::vector<std::uint8_t>, std::less<>>{
-        {"Enter", {key::kEnter}},   {"Esc", {key::kEsc}},      {"Tab", {key::kTab}},
-        {"S-Tab", {0, key::kShiftTab}}, {"BS", {key::kBackspace}}, {"Space", {' '}},
-        {"Up", {0, key::kUp}},      {"Down", {0, key::kDown}}, {"Left", {0, key::kLeft}},
-        {"Right", {0, key::kRight}}, {"Home", {0, key::kHome}}, {"End", {0, key::kEnd}},
-        {"PgUp", {0, key::kPgUp}},  {"PgDn", {0, key::kPgDn}}, {"Ins", {0, key::kIns}},
-        {"Del", {0, key::kDel}},    {"lt", {'<'}},
+        {"Enter", {key::kEnter}},
+        {"Esc", {key::kEsc}},
+        {"Tab", {key::kTab}},
+        {"S-Tab", {0, key::kShiftTab}},
+        {"BS", {key::kBackspace}},
+        {"Space", {' '}},
+        {"Up", {0, key::kUp}},
+        {"Down", {0, key::kDown}},
+        {"Left", {0, key::kLeft}},
+        {"Right", {0, key::kRight}},
+        {"Home", {0, key::kHome}},
+        {"End", {0, key::kEnd}},
+        {"PgUp", {0, key::kPgUp}},
+        {"PgDn", {0, key::kPgDn}},
+        {"Ins", {0, key::kIns}},
+        {"Del", {0, key::kDel}},
+        {"lt", {'<'}},
     };
     for (int i = 1; i <= 10; ++i)
       (*m)["F" + std::to_string(i)] = {0, static_cast<std::uint8_t>(key::kF1 + i - 1)};
-    for (char c = 'A'; c <= 'Z'; ++c)
-      (*m)[std::string("Alt-") + c] = {0, key::AltScanCode(c)};
+    for (char c = 'A'; c <= 'Z'; ++c) (*m)[std::string("Alt-") + c] = {0, key::AltScanCode(c)};
     return m;
   }();
   return *names;

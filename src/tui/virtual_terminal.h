@@ -37,7 +37,7 @@ class VirtualTerminal : public Terminal {
   bool Contains(std::string_view text) const;
   Cell At(int col, int row) const;
   std::uint8_t AttrOf(std::string_view text) const;  // attribute of the first cell of `text`
-  std::string Dump() const;                           // the whole screen, rows joined by "\n"
+  std::string Dump() const;                          // the whole screen, rows joined by "\n"
 
   CursorShape cursor_shape() const { return shape_; }
   int cursor_col() const { return col_; }

@@ -133,7 +133,7 @@ TEST_F(AppTest, HeaderShowsMainAddressAndHelpKey) {
   EXPECT_THROW(Run({}, ""), KeysExhausted);
   const std::string row2 = vt_->Row(2), row3 = vt_->Row(3);
   EXPECT_EQ(row2.substr(80 - 2 - 10, 10), "2:280/5555");  // ends two columns from the edge
-  EXPECT_EQ(row3.substr(80 - 10, 7), "F1=Help");  // from column 71
+  EXPECT_EQ(row3.substr(80 - 10, 7), "F1=Help");          // from column 71
   EXPECT_TRUE(Screen("Miscellaneous system parameters"));
   EXPECT_EQ(Run({}, "<F9>"), 0);
   EXPECT_EQ(vt_->Row(3).substr(80 - 10, 7), "       ");

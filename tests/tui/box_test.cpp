@@ -25,7 +25,7 @@ class MenuTest : public test::VtTest {
 
 TEST_F(MenuTest, ArrowsTabAndWrapping) {
   EXPECT_EQ(Run("<Down><Enter>"), 2);
-  EXPECT_EQ(Run("<Enter>"), 2);  // the highlight starts on the last choice
+  EXPECT_EQ(Run("<Enter>"), 2);              // the highlight starts on the last choice
   EXPECT_EQ(Run("<Down><Down><Enter>"), 1);  // past the last wraps to the first
   EXPECT_EQ(Run("<Up><Enter>"), 3);          // before the first wraps to the last
   EXPECT_EQ(Run("<Tab><Enter>"), 1);

@@ -69,8 +69,7 @@ TEST_F(MessageBoxTest, ErrorBoxLeadingSlashKeepsOneLine) {
 
 TEST_F(MessageBoxTest, ErrorBoxSplitsOtherwise) {
   vt_.Keys("<Tab>");
-  EXPECT_THROW(ErrorBox("Unable to create temporary file///tmp/x//Some functions"),
-               KeysExhausted);
+  EXPECT_THROW(ErrorBox("Unable to create temporary file///tmp/x//Some functions"), KeysExhausted);
   EXPECT_TRUE(OnScreen("Unable to create temporary file"));
   EXPECT_TRUE(OnScreen("Some functions"));
 }

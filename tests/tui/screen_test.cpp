@@ -11,19 +11,26 @@ using test::VtTest;
 class ScreenTest : public VtTest {};
 
 TEST_F(ScreenTest, ColourEscapeSwitchesAttributeAndIsNotShown) {
-  screen_.WriteStr(5, 3, 0x07, std::string("ab\x01\x4E" "cd"));
+  screen_.WriteStr(5, 3, 0x07,
+                   std::string("ab\x01\x4E"
+                               "cd"));
   Sync();
   EXPECT_EQ(vt_.Row(3).substr(4, 5), "abcd ");
   EXPECT_EQ(vt_.At(5, 3).attr, 0x07);
   EXPECT_EQ(vt_.At(6, 3).attr, 0x07);
   EXPECT_EQ(vt_.At(7, 3).attr, 0x4E);
   EXPECT_EQ(vt_.At(8, 3).attr, 0x4E);
-  EXPECT_EQ(Screen::VisibleLength(std::string("ab\x01\x4E" "cd")), 4);
+  EXPECT_EQ(Screen::VisibleLength(std::string("ab\x01\x4E"
+                                              "cd")),
+            4);
 }
 
 TEST_F(ScreenTest, FillWidthPadsInStartAttributeAndClipsAtEdge) {
   screen_.FillRect(1, 1, 80, 25, 'x', 0x11);
-  screen_.WriteStr(10, 2, 0x1F, std::string("ab\x01\x30" "c"), 6);
+  screen_.WriteStr(10, 2, 0x1F,
+                   std::string("ab\x01\x30"
+                               "c"),
+                   6);
   Sync();
   EXPECT_EQ(vt_.Row(2).substr(9, 7), "abc   x");
   EXPECT_EQ(vt_.At(13, 2).attr, 0x1F);  // padding in the start colour, not the switched one

@@ -44,15 +44,15 @@ std::string ButtonText(const std::string& label) {
   return " " + label + " ";
 }
 
-MsgLayout Layout(const MessageBoxSpec& spec) {
+MsgLayout Layout(const MessageBoxSpec& box) {
   constexpr int kGap = 2;
   int text_w = 0;
-  for (const auto& l : spec.lines) text_w = std::max(text_w, Screen::VisibleLength(l));
+  for (const auto& l : box.lines) text_w = std::max(text_w, Screen::VisibleLength(l));
   int buttons_w = 0;
-  for (const auto& b : spec.buttons) buttons_w += static_cast<int>(ButtonText(b).size()) + kGap;
+  for (const auto& b : box.buttons) buttons_w += static_cast<int>(ButtonText(b).size()) + kGap;
   if (buttons_w) buttons_w -= kGap;
   const int inner = std::max(text_w, buttons_w) + 4;
-  const int height = static_cast<int>(spec.lines.size()) + 6;
+  const int height = static_cast<int>(box.lines.size()) + 6;
   Screen& s = scr();
   MsgLayout m;
   m.left = std::max(1, (s.Width() - inner - 2) / 2 + 1);
@@ -61,7 +61,7 @@ MsgLayout Layout(const MessageBoxSpec& spec) {
   m.bottom = m.top + height - 1;
   m.button_row = m.bottom - 2;
   int x = m.left + 1 + (inner - buttons_w) / 2;
-  for (const auto& b : spec.buttons) {
+  for (const auto& b : box.buttons) {
     m.button_col.push_back(x);
     x += static_cast<int>(ButtonText(b).size()) + kGap;
   }
@@ -70,10 +70,10 @@ MsgLayout Layout(const MessageBoxSpec& spec) {
 
 }  // namespace
 
-std::uint8_t RunMessageBox(const MessageBoxSpec& spec) {
+std::uint8_t RunMessageBox(const MessageBoxSpec& box) {
   Screen& s = scr();
   const auto& c = ui().colours;
-  const MsgLayout m = Layout(spec);
+  const MsgLayout m = Layout(box);
   const Screen::Saved beneath =
       s.Save(m.left, m.top, m.right + kShadowCols, m.bottom + kShadowRows);
   const CursorShape shape = s.cursor_shape();
@@ -83,24 +83,24 @@ std::uint8_t RunMessageBox(const MessageBoxSpec& spec) {
   DrawFrame(m.left, m.top, m.right, m.bottom, c[kMessageFrame], kDoubleFrame);
   DrawShadow(m.left, m.top, m.right, m.bottom);
   const int inner = m.right - m.left - 1;
-  for (std::size_t i = 0; i < spec.lines.size(); ++i) {
-    const auto& l = spec.lines[i];
+  for (std::size_t i = 0; i < box.lines.size(); ++i) {
+    const auto& l = box.lines[i];
     const int col = m.left + 1 + (inner - Screen::VisibleLength(l)) / 2;
     s.WriteStr(col, m.top + 2 + static_cast<int>(i), c[kMessageData], l);
   }
 
-  const int count = static_cast<int>(spec.buttons.size());
+  const int count = static_cast<int>(box.buttons.size());
   auto draw_button = [&](int n, bool selected) {
     if (n < 1 || n > count) return;
     const auto i = static_cast<std::size_t>(n - 1);
     const int col = m.button_col[i];
-    const std::string text = ButtonText(spec.buttons[i]);
+    const std::string text = ButtonText(box.buttons[i]);
     if (selected && ui().sfi)
       s.WriteStrCursor(col, m.button_row, c[kMessageSelect], text);
     else
       s.WriteStr(col, m.button_row, selected ? c[kMessageSelect] : c[kMessageButton], text);
   };
-  int current = std::clamp(spec.first_button, 1, std::max(count, 1));
+  int current = std::clamp(box.first_button, 1, std::max(count, 1));
   for (int n = 1; n <= count; ++n) draw_button(n, n == current);
   auto move = [&](int to) {
     if (count == 0) return;
@@ -125,7 +125,7 @@ std::uint8_t RunMessageBox(const MessageBoxSpec& spec) {
           move(current + 1);
           break;
         case key::kF1:
-          RequestHelp(spec.topic);
+          RequestHelp(box.topic);
           break;
         case key::kAltZ:
           RequestPopup();
@@ -140,9 +140,9 @@ std::uint8_t RunMessageBox(const MessageBoxSpec& spec) {
       move(current + 1);
       continue;
     }
-    if (!spec.end_keys.test(k)) continue;
+    if (!box.end_keys.test(k)) continue;
     if (k == key::kEnter && count > 0) {
-      const std::string& label = spec.buttons[static_cast<std::size_t>(current - 1)];
+      const std::string& label = box.buttons[static_cast<std::size_t>(current - 1)];
       result = label.empty() ? key::kEnter : static_cast<std::uint8_t>(label[0]);
     } else {
       result = k;
@@ -162,24 +162,24 @@ std::uint8_t MessageBox(std::string_view text, std::vector<std::string> buttons,
 
 std::uint8_t MessageBoxLines(std::vector<std::string> lines, std::vector<std::string> buttons,
                              std::uint8_t topic) {
-  MessageBoxSpec spec;
-  spec.lines = std::move(lines);
-  spec.buttons = std::move(buttons);
-  spec.end_keys = EndKeys();
-  spec.topic = topic;
-  return RunMessageBox(spec);
+  MessageBoxSpec box;
+  box.lines = std::move(lines);
+  box.buttons = std::move(buttons);
+  box.end_keys = EndKeys();
+  box.topic = topic;
+  return RunMessageBox(box);
 }
 
 void ErrorBox(std::string_view text, std::uint8_t topic) {
-  MessageBoxSpec spec;
+  MessageBoxSpec box;
   if (!text.empty() && text.front() == '/')
-    spec.lines = {std::string(text.substr(1))};
+    box.lines = {std::string(text.substr(1))};
   else
-    spec.lines = SplitMessage(text);
-  spec.buttons = {"Ok"};
-  spec.end_keys = EndKeys();
-  spec.topic = topic;
-  RunMessageBox(spec);
+    box.lines = SplitMessage(text);
+  box.buttons = {"Ok"};
+  box.end_keys = EndKeys();
+  box.topic = topic;
+  RunMessageBox(box);
 }
 
 bool AskYesNo(std::string_view text, std::uint8_t topic) {

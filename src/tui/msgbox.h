@@ -25,7 +25,7 @@ std::bitset<256> EndKeys(std::string_view extra = {});
 
 // Runs the box and returns the first character of the highlighted button's label for Enter,
 // or the (upper-cased) key that ended it otherwise (27 for Esc).
-std::uint8_t RunMessageBox(const MessageBoxSpec& spec);
+std::uint8_t RunMessageBox(const MessageBoxSpec& box);
 
 // A box of `text` (split at "/") with the given buttons, ended by Enter or Esc.
 std::uint8_t MessageBox(std::string_view text, std::vector<std::string> buttons,

@@ -46,31 +46,6 @@ TEST(CfgDefaults, NewRecordValuesLieAtTheFixedOffsets) {
   EXPECT_EQ(At<std::uint8_t>(rec, sizeof rec - 1), 0);
 }
 
-TEST(CfgDefaults, NewRecordSettings) {
-  KESTRAcfg rec;
-  FillNewDefaults(rec);
-  EXPECT_EQ(rec.numberOfSystems, 200);
-  EXPECT_EQ(rec.mailerMode, FrontDoorMode);
-  EXPECT_EQ(rec.logStyle, lsFrontDoor);
-  EXPECT_EQ(rec.longDescChar, '+');
-  EXPECT_EQ(rec.reRequestRate, 7);
-  EXPECT_EQ(rec.internet.resendRetry, 3);
-  EXPECT_EQ(rec.internet.resendDelay, 7);
-  EXPECT_EQ(rec.internet.spoolAgeDays, 14);
-  EXPECT_EQ(rec.useAkaMatching, 1);
-  EXPECT_EQ(rec.domains[1].zone, 2);
-  EXPECT_EQ(rec.domains[1].domain.str(), "fidonet");
-  EXPECT_EQ(rec.domains[6].zone, 0);
-}
-
-TEST(CfgDefaults, VersionComesFromTheCaller) {
-  KESTRAcfg rec;
-  FillNewDefaults(rec, {7, 2, 9});
-  EXPECT_EQ(At<std::uint8_t>(rec, 9441), 7);
-  EXPECT_EQ(At<std::uint8_t>(rec, 9442), 2);
-  EXPECT_EQ(At<std::uint8_t>(rec, 9443), 9);
-}
-
 // The preset signatures must recognise real archive headers, given how the processor reads
 // them: the bytes at the offset, compared where the mask has a bit.
 std::optional<std::string> Recognise(const ExternalPrograms& progs,

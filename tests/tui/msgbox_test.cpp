@@ -15,11 +15,11 @@ class MessageBoxTest : public test::VtTest {
  protected:
   std::uint8_t SaveQuestion(const std::string& keys) {
     vt_.Keys(keys);
-    MessageBoxSpec spec;
-    spec.lines = {"Changes have been made.", "Should those changes be saved?"};
-    spec.buttons = {"Yes", "No", "Cancel"};
-    spec.end_keys = EndKeys("CNY");
-    return RunMessageBox(spec);
+    MessageBoxSpec box;
+    box.lines = {"Changes have been made.", "Should those changes be saved?"};
+    box.buttons = {"Yes", "No", "Cancel"};
+    box.end_keys = EndKeys("CNY");
+    return RunMessageBox(box);
   }
 };
 

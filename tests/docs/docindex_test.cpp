@@ -305,57 +305,6 @@ TEST_F(DocIndexFiles, RefusesDamagedIndexes) {
 
 // --- The real manual ------------------------------------------------------------------------
 
-TEST(HelpDocManual, HasEveryTopicTheProgramUses) {
-  const auto text = ReadWholeFile(KS_SOURCE_DIR "/data/help/manual.txt");
-  ASSERT_TRUE(text.has_value());
-  HelpSourceError error;
-  const auto topics = ParseHelpSource(*text, &error);
-  ASSERT_TRUE(topics.has_value()) << "manual.txt:" << error.line << ": " << error.message;
-
-  std::map<int, std::string> have;
-  for (const HelpTopic& t : *topics) {
-    have[t.number] = t.title;
-    EXPECT_FALSE(t.body.empty()) << "topic " << t.number << " has no text";
-  }
-  const std::map<int, std::string> wanted = {
-      {1, "KSETUP main menu"},
-      {2, "Echomail system"},
-      {3, "Message boxes"},
-      {4, "The configuration file setup.ksx"},
-      {5, "Document viewer"},
-      {6, "Character chart"},
-      {7, "Command line and environment"},
-      {12, "FileFind areas"},
-      {14, "New file reports"},
-      {15, "Fileecho manager"},
-      {16, "Hatch manager"},
-      {17, "Magic file names"},
-      {18, "BBS fileareas"},
-      {19, "Node manager"},
-      {20, "Export data"},
-      {21, "ALLFILES lists"},
-      {23, "Request processor"},
-      {27, "Uplink systems"},
-      {30, "System data"},
-      {31, "Import data"},
-      {32, "Information"},
-      {33, "Exit program"},
-      {38, "Fileecho system"},
-      {39, "Group manager"},
-      {40, "Utilities"},
-      {41, "Template editor"},
-      {42, "Colors"},
-      {44, "Options"},
-      {47, "Uplink options"},
-      {51, "Uplink requests"},
-      {52, "LongDesc options"},
-  };
-  for (const auto& [number, title] : wanted) {
-    ASSERT_TRUE(have.count(number)) << "topic " << number << " missing";
-    EXPECT_EQ(have[number], title) << "topic " << number;
-  }
-}
-
 TEST(HelpDocManual, BuiltFilesMatchTheirIndex) {
   // The build made these from manual.txt before the tests were linked.
   const std::string doc = KS_BUILD_DIR "/KESTRA.DOC";

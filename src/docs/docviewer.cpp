@@ -230,13 +230,8 @@ void DocViewer::Run() {
       case key::kF3:
         Find(true);
         break;
-      case key::kF1:
-        RequestHelp(kViewerHelpTopic);
-        break;
-      case key::kAltZ:
-        RequestPopup();
-        break;
       default:
+        HandleCommonKey(k, kViewerHelpTopic);
         break;
     }
   }

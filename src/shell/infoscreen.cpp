@@ -73,8 +73,7 @@ void ShowInformation() {
     bool extended = false;
     const std::uint8_t k = s.ReadCode(&extended);
     if (!extended && (k == key::kEsc || k == key::kEnter)) break;
-    if (extended && k == key::kF1) RequestHelp(kInfoTopic);
-    if (extended && k == key::kAltZ) RequestPopup();
+    if (extended) HandleCommonKey(k, kInfoTopic);
   }
 }
 

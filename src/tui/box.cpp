@@ -158,13 +158,10 @@ int BoxOBJ::Run() {
       case key::kPgDn:
         Select(static_cast<int>(items_.size()));
         continue;
-      case key::kF1: {
-        int topic = current_ >= 1 && item(current_).topic ? item(current_).topic : topic_;
-        RequestHelp(topic);
-        continue;
-      }
+      case key::kF1:
       case key::kAltZ:
-        RequestPopup();
+        HandleCommonKey(code,
+                        current_ >= 1 && item(current_).topic ? item(current_).topic : topic_);
         continue;
       case key::kF9:
         if (top_menu_) return kChoiceF9;

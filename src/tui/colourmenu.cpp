@@ -132,10 +132,8 @@ std::optional<std::uint8_t> PickColour(std::uint8_t current) {
       case key::kPgDn:
         bg = 15;
         break;
-      case key::kF1:
-        RequestHelp(kColorsHelpTopic);
-        break;
       default:
+        HandleCommonKey(k, kColorsHelpTopic);
         break;
     }
   }

@@ -116,23 +116,13 @@ std::uint8_t RunMessageBox(const MessageBoxSpec& box) {
   for (;;) {
     std::uint8_t k = s.ReadKey();
     if (k == 0) {
-      switch (s.ReadKey()) {
-        case key::kShiftTab:
-        case key::kLeft:
-          move(current - 1);
-          break;
-        case key::kRight:
-          move(current + 1);
-          break;
-        case key::kF1:
-          RequestHelp(box.topic);
-          break;
-        case key::kAltZ:
-          RequestPopup();
-          break;
-        default:
-          break;
-      }
+      const std::uint8_t scan = s.ReadKey();
+      if (scan == key::kShiftTab || scan == key::kLeft)
+        move(current - 1);
+      else if (scan == key::kRight)
+        move(current + 1);
+      else
+        HandleCommonKey(scan, box.topic);
       continue;
     }
     k = static_cast<std::uint8_t>(std::toupper(k));

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "tui/frame.h"
+#include "tui/keys.h"
 
 namespace ks {
 
@@ -72,6 +73,18 @@ void RequestHelp(int topic) {
 
 void RequestPopup() {
   if (ui().popup_enabled && ui().popup) ui().popup();
+}
+
+bool HandleCommonKey(std::uint8_t scan, int topic) {
+  if (scan == key::kF1) {
+    RequestHelp(topic);
+    return true;
+  }
+  if (scan == key::kAltZ) {
+    RequestPopup();
+    return true;
+  }
+  return false;
 }
 
 }  // namespace ks

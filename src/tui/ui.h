@@ -52,4 +52,8 @@ void ShowStatus(std::string_view text);
 void RequestHelp(int topic);
 void RequestPopup();
 
+// The extended keys every screen honours: F1 shows `topic`, Alt-Z opens the pop-up utility.
+// Returns true when `scan` was one of them.
+bool HandleCommonKey(std::uint8_t scan, int topic);
+
 }  // namespace ks

@@ -7,14 +7,6 @@
 namespace ks {
 namespace {
 
-#define KS_FIELD(type, member)                                   \
-  CfgField {                                                     \
-#member, offsetof(type, member), sizeof(type::member), false \
-  }
-#define KS_RESERVED(type, member)                               \
-  CfgField {                                                    \
-#member, offsetof(type, member), sizeof(type::member), true \
-  }
 
 #define F(m) KS_FIELD(KESTRAcfg, m)
 #define R(m) KS_RESERVED(KESTRAcfg, m)

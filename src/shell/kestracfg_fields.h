@@ -7,24 +7,15 @@
 #include <span>
 #include <string_view>
 
+#include "common/layout.h"
+
 namespace ks {
 
-struct CfgField {
-  std::string_view name;  // member name
-  std::size_t offset;     // byte offset within its struct
-  std::size_t size;       // bytes
-  bool reserved;          // a free area kept for later use, always written as found
-};
+using CfgField = LayoutField;
+using CfgLayout = Layout;
 
 // Every top-level member of KESTRAcfg, in declaration (= offset) order.
 std::span<const CfgField> KestraCfgFields();
-
-// A struct used inside KESTRAcfg, with its own members.
-struct CfgLayout {
-  std::string_view name;
-  std::size_t size;
-  std::span<const CfgField> fields;
-};
 
 // The structs used inside KESTRAcfg (archiver rows, uplinks, request processor, ...).
 std::span<const CfgLayout> KestraCfgSubLayouts();

@@ -1,0 +1,215 @@
+#include "dbase/database.h"
+
+#include <algorithm>
+#include <cstring>
+#include <stdexcept>
+
+#include "common/fileutil.h"
+#include "dbase/maintain.h"
+#include "tui/msgbox.h"
+#include "tui/ui.h"
+
+namespace ks {
+
+ksDataBase::ksDataBase(std::string base, std::size_t record_size, KeySet keys)
+    : base_(std::move(base)), record_size_(record_size), keys_(keys),
+      entry_size_(keys.entry_size()) {
+  if (record_size_ == 0 || record_size_ > kMaxRecordSize)
+    throw std::logic_error("Record size larger than maximum!");
+}
+
+ksDataBase::OpenResult ksDataBase::Open(const std::string& dir) {
+  // A rebuild or a pack closes the pair and opens it again; each happens at most once.
+  bool rebuilt = false, packed = false, again = true;
+  OpenResult r = OpenResult::kFailed;
+  for (int attempt = 0; again && attempt < 4; ++attempt) {
+    again = false;
+    r = OpenOnce(dir, &rebuilt, &packed, &again);
+  }
+  return again ? OpenResult::kFailed : r;
+}
+
+ksDataBase::OpenResult ksDataBase::OpenOnce(const std::string& dir, bool* rebuilt,
+                                            bool* packed, bool* again) {
+  Close();
+  const std::string data_name = DataFileName(dir, base_);
+  const std::string index_name = IndexFileName(dir, base_);
+  if (!data_.Open(data_name, RawFile::Mode::kReadWrite)) {
+    if (FileExists(data_name)) return OpenResult::kFailed;
+    // A new list: both files empty.
+    if (!data_.Open(data_name, RawFile::Mode::kCreate) ||
+        !index_file_.Open(index_name, RawFile::Mode::kCreate)) {
+      Close();
+      return OpenResult::kFailed;
+    }
+    return OpenResult::kOk;
+  }
+  const std::uint64_t data_size = data_.Size().value_or(0);
+  if (data_size % record_size_ != 0) {
+    Close();
+    if (ui().screen) MessageBox("The datafile is corrupt/Have you run the update utility?", {"Continue"});
+    return OpenResult::kCorrupt;
+  }
+  const auto index_size = FileSize(index_name);
+  const bool damaged = !index_size || *index_size % entry_size_ != 0 ||
+                       *index_size / entry_size_ > kMaxRecords;
+  if (damaged) {
+    Close();
+    if (*rebuilt) return OpenResult::kFailed;
+    *rebuilt = true;
+    BuildIndex(dir, base_, record_size_, keys_);
+    *again = true;
+    return OpenResult::kFailed;
+  }
+  const std::uint64_t entries = *index_size / entry_size_;
+  if (entries + 10 < data_size / record_size_ && !*packed) {
+    Close();
+    *packed = true;
+    if (PackDataFile(dir, base_, record_size_, keys_)) BuildIndex(dir, base_, record_size_, keys_);
+    *again = true;
+    return OpenResult::kFailed;
+  }
+  if (!index_file_.Open(index_name, RawFile::Mode::kReadWrite)) {
+    Close();
+    return OpenResult::kFailed;
+  }
+  index_.resize(static_cast<std::size_t>(entries * entry_size_));
+  if (index_file_.ReadAt(0, index_.data(), index_.size()) != index_.size()) {
+    Close();
+    return OpenResult::kFailed;
+  }
+  current_ = count() > 0 ? 0 : -1;
+  return OpenResult::kOk;
+}
+
+void ksDataBase::Close() {
+  data_.Close();
+  index_file_.Close();
+  index_.clear();
+  current_ = -1;
+}
+
+int ksDataBase::data_records() const {
+  return static_cast<int>(std::min<std::uint64_t>(data_.Size().value_or(0) / record_size_, kMaxRecords));
+}
+
+void ksDataBase::set_current(int pos) {
+  current_ = count() == 0 ? -1 : std::clamp(pos, 0, count() - 1);
+}
+
+const std::uint8_t* ksDataBase::Key(int pos) const {
+  if (pos < 0 || pos >= count()) return nullptr;
+  return &index_[static_cast<std::size_t>(pos) * entry_size_];
+}
+
+std::uint16_t ksDataBase::RecNo(int pos) const {
+  const std::uint8_t* e = Key(pos);
+  return e ? EntryRecNo(e, keys_.length()) : 0;
+}
+
+bool ksDataBase::ReadRecord(int pos, std::uint8_t* record) const {
+  if (!Key(pos)) return false;
+  return data_.ReadAt(std::uint64_t{RecNo(pos)} * record_size_, record, record_size_) ==
+         record_size_;
+}
+
+int ksDataBase::InsertPos(const std::uint8_t* key) const {
+  const int n = count();
+  for (int i = 0; i < n; ++i)
+    if (keys_.Compare(Key(i), key, active_key_) >= 0) return i;
+  return n;
+}
+
+bool ksDataBase::WriteEntries(int first, int last) {
+  if (first > last) return true;
+  const std::size_t at = static_cast<std::size_t>(first) * entry_size_;
+  return index_file_.WriteAt(at, &index_[at], static_cast<std::size_t>(last - first + 1) * entry_size_);
+}
+
+bool ksDataBase::InsertEntry(const std::uint8_t* entry) {
+  const int n = count();
+  const int pos = InsertPos(entry);
+  // The file grows by one entry first, so a full disk fails before anything has moved.
+  const std::uint8_t* grown = pos == n ? entry : Key(n - 1);
+  if (!index_file_.WriteAt(std::uint64_t(n) * entry_size_, grown, entry_size_)) {
+    index_file_.Truncate(std::uint64_t(n) * entry_size_);
+    return false;
+  }
+  index_.insert(index_.begin() + static_cast<std::ptrdiff_t>(pos) * entry_size_, entry,
+                entry + entry_size_);
+  current_ = pos;
+  return WriteEntries(pos, n - 1);
+}
+
+bool ksDataBase::RemoveEntry(int pos) {
+  const int n = count();
+  index_.erase(index_.begin() + static_cast<std::ptrdiff_t>(pos) * entry_size_,
+               index_.begin() + static_cast<std::ptrdiff_t>(pos + 1) * entry_size_);
+  const bool ok = WriteEntries(pos, n - 2) && index_file_.Truncate(std::uint64_t(n - 1) * entry_size_);
+  set_current(current_);
+  return ok;
+}
+
+bool ksDataBase::Insert(const std::uint8_t* record) {
+  if (!is_open()) return false;
+  const std::uint64_t size = data_.Size().value_or(0);
+  const std::uint64_t recno = size / record_size_;
+  if (recno >= kMaxRecords || count() >= static_cast<int>(kMaxRecords)) return false;
+  if (!data_.WriteAt(recno * record_size_, record, record_size_)) {
+    data_.Truncate(size);  // a short write leaves the file as it was
+    return false;
+  }
+  std::vector<std::uint8_t> entry(entry_size_);
+  keys_.MakeKey(record, entry.data());
+  SetEntryRecNo(entry.data(), keys_.length(), static_cast<std::uint16_t>(recno));
+  return InsertEntry(entry.data());
+}
+
+bool ksDataBase::Remove(int pos) {
+  if (!is_open() || !Key(pos)) return false;
+  // Zero the key fields of the record so that it stays out of every rebuilt index.
+  std::vector<std::uint8_t> record(record_size_);
+  const std::uint64_t at = std::uint64_t{RecNo(pos)} * record_size_;
+  if (data_.ReadAt(at, record.data(), record_size_) == record_size_) {
+    for (int k = 0; k < keys_.count(); ++k) {
+      const KeyDef& d = keys_[k];
+      if (d.rec_offset + d.length <= record_size_) std::memset(&record[d.rec_offset], 0, d.length);
+    }
+    if (!data_.WriteAt(at, record.data(), record_size_)) return false;
+  }
+  return RemoveEntry(pos);
+}
+
+bool ksDataBase::Rewrite(int pos, const std::uint8_t* record) {
+  if (!is_open() || !Key(pos)) return false;
+  const std::uint16_t recno = RecNo(pos);
+  if (!data_.WriteAt(std::uint64_t{recno} * record_size_, record, record_size_)) return false;
+  // Take the entry out and put it back where its key now belongs; only the entries between
+  // the old and the new place change on disk.
+  std::vector<std::uint8_t> entry(entry_size_);
+  keys_.MakeKey(record, entry.data());
+  SetEntryRecNo(entry.data(), keys_.length(), recno);
+  index_.erase(index_.begin() + static_cast<std::ptrdiff_t>(pos) * entry_size_,
+               index_.begin() + static_cast<std::ptrdiff_t>(pos + 1) * entry_size_);
+  const int to = InsertPos(entry.data());
+  index_.insert(index_.begin() + static_cast<std::ptrdiff_t>(to) * entry_size_, entry.begin(),
+                entry.end());
+  current_ = to;
+  return WriteEntries(std::min(pos, to), std::max(pos, to));
+}
+
+bool ksDataBase::WriteInPlace(int pos, const std::uint8_t* record) {
+  if (!is_open() || !Key(pos)) return false;
+  return data_.WriteAt(std::uint64_t{RecNo(pos)} * record_size_, record, record_size_);
+}
+
+bool ksDataBase::IsDuplicate(const std::uint8_t* record, int editing) const {
+  if (!unique) return false;
+  std::vector<std::uint8_t> key(entry_size_);
+  keys_.MakeKey(record, key.data());
+  for (int i = 0; i < count(); ++i)
+    if (i != editing && keys_.Compare(key.data(), Key(i), active_key_) == 0) return true;
+  return false;
+}
+
+}  // namespace ks

@@ -1,0 +1,271 @@
+#include "dbase/maintain.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <stdexcept>
+
+#include "common/fileutil.h"
+#include "common/halt.h"
+#include "dbase/workbox.h"
+#include "tui/msgbox.h"
+#include "tui/ui.h"
+
+namespace ks {
+namespace {
+
+constexpr std::size_t kChunk = 1 << 20;  // bytes per read or write of a whole-file pass
+
+void CheckRecordSize(std::size_t record_size) {
+  if (record_size == 0 || record_size > kMaxRecordSize)
+    throw std::logic_error("Record size larger than maximum!");
+}
+
+// The middle-pivot quicksort over fixed-size entries in one buffer. It recurses into the
+// smaller part and loops over the larger, so its depth stays logarithmic; sorting the two
+// parts in either order gives the same result. It gives up (false) when the comparisons run
+// far past n log n, which only a crafted file can cause.
+class EntrySorter {
+ public:
+  EntrySorter(std::uint8_t* base, std::size_t entry, const KeySet& keys, int first_key,
+              std::size_t count)
+      : base_(base), entry_(entry), keys_(keys), first_(first_key), pivot_(entry), swap_(entry) {
+    std::size_t log2 = 1;
+    while ((std::size_t{1} << log2) < count) ++log2;
+    budget_ = 64 * (count + 1) * log2;
+  }
+
+  bool Sort(std::ptrdiff_t l, std::ptrdiff_t r) {
+    while (l < r) {
+      std::ptrdiff_t i = l, j = r;
+      std::memcpy(pivot_.data(), At((l + r) / 2), entry_);
+      do {
+        while (Less(At(i), pivot_.data())) ++i;
+        while (Less(pivot_.data(), At(j))) --j;
+        if (i <= j) {
+          if (i != j) Swap(i, j);
+          ++i;
+          --j;
+        }
+        if (spent_ > budget_) return false;
+      } while (i <= j);
+      if (j - l < r - i) {
+        if (l < j && !Sort(l, j)) return false;
+        l = i;
+      } else {
+        if (i < r && !Sort(i, r)) return false;
+        r = j;
+      }
+    }
+    return true;
+  }
+
+ private:
+  std::uint8_t* At(std::ptrdiff_t i) { return base_ + static_cast<std::size_t>(i) * entry_; }
+  bool Less(const std::uint8_t* a, const std::uint8_t* b) {
+    ++spent_;
+    return keys_.Compare(a, b, first_) < 0;
+  }
+  void Swap(std::ptrdiff_t i, std::ptrdiff_t j) {
+    std::memcpy(swap_.data(), At(i), entry_);
+    std::memcpy(At(i), At(j), entry_);
+    std::memcpy(At(j), swap_.data(), entry_);
+  }
+
+  std::uint8_t* base_;
+  std::size_t entry_;
+  const KeySet& keys_;
+  int first_;
+  std::vector<std::uint8_t> pivot_, swap_;
+  std::size_t spent_ = 0, budget_ = 0;
+};
+
+void StableSortEntries(std::vector<std::uint8_t>& entries, const KeySet& keys, int first_key) {
+  const std::size_t e = keys.entry_size();
+  const std::size_t n = entries.size() / e;
+  std::vector<std::uint32_t> order(n);
+  for (std::size_t i = 0; i < n; ++i) order[i] = static_cast<std::uint32_t>(i);
+  std::stable_sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
+    return keys.Compare(&entries[a * e], &entries[b * e], first_key) < 0;
+  });
+  std::vector<std::uint8_t> sorted(entries.size());
+  for (std::size_t i = 0; i < n; ++i) std::memcpy(&sorted[i * e], &entries[order[i] * e], e);
+  entries.swap(sorted);
+}
+
+// Replaces the index file by `entries` in one write. A failed write removes the index, so
+// that the next open rebuilds it rather than packing the data down to a partial index.
+bool WriteIndexFile(const std::string& path, const std::vector<std::uint8_t>& entries) {
+  RawFile index;
+  if (!index.Open(path, RawFile::Mode::kCreate)) return false;
+  if (!entries.empty() && !index.WriteAt(0, entries.data(), entries.size())) {
+    index.Close();
+    ::unlink(path.c_str());
+    return false;
+  }
+  return true;
+}
+
+// Appends to a file through a large buffer.
+class BufferedAppender {
+ public:
+  explicit BufferedAppender(RawFile& file) : file_(file) { buf_.reserve(kChunk); }
+  bool Append(const std::uint8_t* p, std::size_t n) {
+    buf_.insert(buf_.end(), p, p + n);
+    return buf_.size() < kChunk || Flush();
+  }
+  bool Flush() {
+    if (buf_.empty()) return true;
+    const bool ok = file_.WriteAt(written_, buf_.data(), buf_.size());
+    written_ += buf_.size();
+    buf_.clear();
+    return ok;
+  }
+  std::uint64_t total() const { return written_ + buf_.size(); }
+
+ private:
+  RawFile& file_;
+  std::vector<std::uint8_t> buf_;
+  std::uint64_t written_ = 0;
+};
+
+}  // namespace
+
+void SortIndexEntries(std::vector<std::uint8_t>& entries, const KeySet& keys, int first_key) {
+  const std::size_t e = keys.entry_size();
+  const std::size_t n = entries.size() / e;
+  if (n <= 1) return;
+  const std::vector<std::uint8_t> original = entries;
+  EntrySorter sorter(entries.data(), e, keys, first_key, n);
+  if (!sorter.Sort(0, static_cast<std::ptrdiff_t>(n) - 1)) {
+    entries = original;
+    StableSortEntries(entries, keys, first_key);
+  }
+}
+
+bool SortIndex(RawFile& index, const KeySet& keys, int first_key) {
+  WorkBox box("Sorting index files", "    Please wait    ");
+  const auto size = index.Size();
+  if (!size) return false;
+  const std::size_t e = keys.entry_size();
+  std::vector<std::uint8_t> entries(static_cast<std::size_t>(*size / e * e));
+  if (index.ReadAt(0, entries.data(), entries.size()) != entries.size()) return false;
+  SortIndexEntries(entries, keys, first_key);
+  box.Progress(1, 1);
+  return entries.empty() || index.WriteAt(0, entries.data(), entries.size());
+}
+
+bool BuildIndex(const std::string& dir, const std::string& base, std::size_t record_size,
+                const KeySet& keys) {
+  CheckRecordSize(record_size);
+  WorkBox box("Building index files", "    Please wait     ");
+  const std::string data_name = DataFileName(dir, base);
+  const std::string index_name = IndexFileName(dir, base);
+  RawFile data;
+  if (!data.Open(data_name, RawFile::Mode::kReadWrite) &&
+      !data.Open(data_name, RawFile::Mode::kCreate))
+    return false;
+  const std::uint64_t size = data.Size().value_or(0);
+  const std::uint64_t records = std::min<std::uint64_t>(size / record_size, kMaxRecords);
+
+  const std::size_t k = keys.length(), e = keys.entry_size();
+  std::vector<std::uint8_t> entries;
+  entries.reserve(static_cast<std::size_t>(records) * e);
+  std::vector<std::uint8_t> entry(e);
+  const std::size_t per_chunk = std::max<std::size_t>(1, kChunk / record_size);
+  std::vector<std::uint8_t> chunk(per_chunk * record_size);
+  for (std::uint64_t first = 0; first < records; first += per_chunk) {
+    const std::size_t want = static_cast<std::size_t>(std::min<std::uint64_t>(per_chunk, records - first));
+    const std::size_t got = data.ReadAt(first * record_size, chunk.data(), want * record_size) / record_size;
+    for (std::size_t i = 0; i < got; ++i) {
+      std::memset(entry.data(), 0, e);
+      keys.MakeKey(&chunk[i * record_size], entry.data());
+      if (keys.KeyEmpty(entry.data())) continue;  // a deleted record
+      SetEntryRecNo(entry.data(), k, static_cast<std::uint16_t>(first + i));
+      entries.insert(entries.end(), entry.begin(), entry.end());
+    }
+    box.Progress(first + want, records);
+    if (got < want) break;
+  }
+  {
+    WorkBox sorting("Sorting index files", "    Please wait    ");
+    SortIndexEntries(entries, keys);
+    sorting.Progress(1, 1);
+  }
+  const bool ok = WriteIndexFile(index_name, entries);
+  data.Close();
+  if (size == 0) {
+    ::unlink(data_name.c_str());
+    ::unlink(index_name.c_str());
+  }
+  return ok;
+}
+
+bool PackDataFile(const std::string& dir, const std::string& base, std::size_t record_size,
+                  const KeySet& keys, const PackProc& proc) {
+  CheckRecordSize(record_size);
+  WorkBox box("Packing data files", "   Please wait    ");
+  const std::string data_name = DataFileName(dir, base);
+  const std::string index_name = IndexFileName(dir, base);
+  const std::string scratch_name = ScratchFileName(dir, base);
+  if (!FileExists(data_name)) return false;
+  if (std::rename(data_name.c_str(), scratch_name.c_str()) != 0) {
+    ::unlink(scratch_name.c_str());  // left over from an earlier pack
+    if (std::rename(data_name.c_str(), scratch_name.c_str()) != 0) return false;
+  }
+  RawFile out;
+  MappedFile old;
+  auto put_back = [&] {
+    out.Close();
+    ::unlink(data_name.c_str());
+    std::rename(scratch_name.c_str(), data_name.c_str());
+  };
+  if (!out.Open(data_name, RawFile::Mode::kCreate) || !old.Map(scratch_name)) {
+    put_back();
+    return false;
+  }
+  std::vector<std::uint8_t> entries;
+  if (auto text = ReadWholeFile(index_name)) entries.assign(text->begin(), text->end());
+  const std::size_t k = keys.length(), e = keys.entry_size();
+  const std::size_t count = entries.size() / e;
+
+  BufferedAppender writer(out);
+  std::vector<std::uint8_t> record(kMaxRecordSize);
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::uint64_t at = std::uint64_t{EntryRecNo(&entries[i * e], k)} * record_size;
+    if (at >= old.size()) {
+      if (ui().screen)
+        MessageBox("Error found in data file. Rebuild index/files to repair the problem", {"Ok"});
+      put_back();
+      throw ProgramHalt{0};
+    }
+    std::fill(record.begin(), record.end(), 0);
+    std::memcpy(record.data(), old.data() + at,
+                static_cast<std::size_t>(std::min<std::uint64_t>(record_size, old.size() - at)));
+    std::size_t length = record_size;
+    if (proc) proc(record.data(), length);
+    length = std::min(length, kMaxRecordSize);
+    if (length > 0 && !writer.Append(record.data(), length)) {
+      put_back();
+      return false;
+    }
+    if (i % 256 == 0) box.Progress(i, count);
+  }
+  if (!writer.Flush() || !out.Sync()) {
+    put_back();
+    return false;
+  }
+  box.Progress(count, count);
+  const bool empty = writer.total() == 0;
+  out.Close();
+  ::unlink(scratch_name.c_str());
+  if (empty) {
+    ::unlink(data_name.c_str());
+    ::unlink(index_name.c_str());
+  }
+  return true;
+}
+
+}  // namespace ks

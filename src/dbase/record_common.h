@@ -1,0 +1,57 @@
+// Field types shared by several record layouts.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+
+#include "common/le.h"
+#include "common/pstr.h"
+
+namespace ks {
+
+// Amounts and percentages: an IEEE 754 double, 8 bytes little-endian.
+using Real = double;
+static_assert(sizeof(Real) == 8 && std::numeric_limits<Real>::is_iec559);
+
+// Message base formats the processor writes to.
+enum MsgBaseType : std::uint8_t {
+  mbNone,      // no message base (pass-through)
+  mbHudson,    // board number
+  mbSquish,    // path
+  mbJam,       // path
+  mbMsg,       // *.MSG directory
+  mbPcBoard,   // path
+  mbEzyCom,    // board number
+  mbGoldBase,  // board number
+};
+
+#pragma pack(push, 1)
+// A message area: its format, the board number (Hudson, EzyCom, GoldBase) or the path.
+struct MsgArea {
+  std::uint8_t type = 0;  // MsgBaseType
+  std::uint16_t board = 0;
+  PStr<79> path;
+};
+
+// A set of BBS file area numbers 0..63999: bit n of byte n/8 is area n.
+struct FileAreaSet {
+  static constexpr std::size_t kAreas = 64000;
+  std::uint8_t bits[kAreas / 8] = {};
+
+  bool Has(std::size_t n) const { return n < kAreas && (bits[n >> 3] & (1u << (n & 7))); }
+  void Set(std::size_t n, bool on) {
+    if (n >= kAreas) return;
+    const auto bit = static_cast<std::uint8_t>(1u << (n & 7));
+    bits[n >> 3] = static_cast<std::uint8_t>(on ? bits[n >> 3] | bit : bits[n >> 3] & ~bit);
+  }
+};
+#pragma pack(pop)
+static_assert(sizeof(MsgArea) == 83);
+static_assert(sizeof(FileAreaSet) == 8000);
+
+// Days of the week as one byte: bit 0 Sunday .. bit 6 Saturday.
+inline constexpr std::uint8_t kDaySunday = 0x01;
+inline constexpr std::uint8_t kAllDays = 0x7F;
+
+}  // namespace ks

@@ -8,6 +8,7 @@
 #include <typeinfo>
 
 #include "common/fileutil.h"
+#include "common/halt.h"
 #include "common/recordext.h"
 #include "docs/helpsys.h"
 #include "shell/cmdline.h"
@@ -141,6 +142,7 @@ int RunKsetup(const AppEnv& env) {
     InstallColours(p.colour, rec);
     DrawDesktop();
   };
+  int status = 0;
   if (LoadSetup(ctx, *p.cfg)) {
     KESTRAcfg& cfg = *p.cfg;
     session.Ensure();
@@ -156,17 +158,19 @@ int RunKsetup(const AppEnv& env) {
     }
     InstallColours(p.colour, &cfg);
     DrawDesktop();
-    if (p.do_index)
-      RunMaintenance(p.exe_path, true, cfg.echoMailOption);
-    else if (p.do_pack)
-      RunMaintenance(p.exe_path, false, cfg.echoMailOption);
-    else
-      RunMainMenu();
+    try {
+      if (p.do_index || p.do_pack)
+        RunMaintenance(p.exe_path, p.do_index, cfg.numberOfSystems, cfg.echoMailOption);
+      else
+        RunMainMenu();
+    } catch (const ProgramHalt& halt) {
+      status = halt.status;
+    }
   }
   p.cfg.reset();
   RemoveTempFiles(p.work_dir.empty() ? p.exe_path : p.work_dir);
   session.Close(kHeaderRows);
-  return 0;
+  return status;
 }
 
 std::vector<std::string> FatalReport(const std::exception& e) {

@@ -1,45 +1,58 @@
 #include "shell/maintenance.h"
 
+#include "dbase/maintain.h"
+#include "dbase/recordfile.h"
 #include "tui/ui.h"
 
 namespace ks {
 
-const std::array<RecordFileEntry, kRecordFileCount>& RecordFiles() {
-  static const std::array<RecordFileEntry, kRecordFileCount> files = {{
-      {"AREAS", "Processing message area manager index files",
+const std::array<MaintenanceStatus, kRecordFileCount>& MaintenanceOrder() {
+  using enum RecordFileId;
+  static const std::array<MaintenanceStatus, kRecordFileCount> files = {{
+      {kAreas, "Processing message area manager index files",
        "Processing message area manager data files"},
-      {"REPORTS", "Processing new file reports manager index files",
+      {kReports, "Processing new file reports manager index files",
        "Processing new file reports manager data files"},
-      {"FAREAS", "Processing fileecho area manager index files",
+      {kFAreas, "Processing fileecho area manager index files",
        "Processing fileecho area manager data files"},
-      {"MAREAS", "Processing echomail area manager index files",
+      {kMAreas, "Processing echomail area manager index files",
        "Processing echomail area manager data files"},
-      {"GRPFILE", "Processing group manager index files", "Processing group manager data files"},
-      {"MGICFILE", "Processing magic file name manager index files",
+      {kGroups, "Processing group manager index files", "Processing group manager data files"},
+      {kMagic, "Processing magic file name manager index files",
        "Processing magic file name manager data files"},
-      {"BBSAREAS", "Processing bbs new file directories manager index files",
+      {kBbsAreas, "Processing bbs new file directories manager index files",
        "Processing bbs new file directories manager data files"},
-      {"HATCH", "Processing hatch area manager index files",
+      {kHatch, "Processing hatch area manager index files",
        "Processing hatch area manager data files"},
-      {"NODEFILE", "Processing node manager index files", "Processing node manager data files"},
-      {"ALLFILES", "Processing allfiles manager index files",
+      {kNodes, "Processing node manager index files", "Processing node manager data files"},
+      {kAllfiles, "Processing allfiles manager index files",
        "Processing allfiles manager data files"},
   }};
   return files;
 }
 
-MaintainFn& record_file_maintainer() {
-  static MaintainFn fn;
-  return fn;
-}
-
-int RunMaintenance(const std::string& dir, bool index, std::uint8_t echomail_option) {
+int RunMaintenance(const std::string& dir, bool index, std::size_t systems,
+                   std::uint8_t echomail_option) {
   int processed = 0;
-  for (const auto& file : RecordFiles()) {
-    ShowStatus(index ? file.index_status : file.pack_status);
-    scr().Flush();
-    const auto& maintain = record_file_maintainer();
-    if (maintain && maintain(dir, file, index, echomail_option)) ++processed;
+  for (const auto& step : MaintenanceOrder()) {
+    if (ui().screen) {
+      ShowStatus(index ? step.index_status : step.pack_status);
+      scr().Flush();
+    }
+    const RecordFileDef& def = FileDef(step.file);
+    const std::size_t size = def.RecordSize(systems);
+    {
+      TRecordFile file(def.base, size, def.keys);
+      if (!file.Open(dir)) continue;
+    }
+    if (!index) {
+      const PackProc proc =
+          step.file == RecordFileId::kMAreas ? EchomailPackProc(echomail_option, systems) : PackProc{};
+      // A failed pack has put the old data file back; its index still fits it.
+      if (!PackDataFile(dir, def.base, size, def.keys, proc)) continue;
+    }
+    BuildIndex(dir, def.base, size, def.keys);
+    ++processed;
   }
   return processed;
 }

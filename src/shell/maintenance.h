@@ -4,29 +4,26 @@
 
 #include <array>
 #include <cstdint>
-#include <functional>
 #include <string>
+
+#include "dbase/recfiles.h"
 
 namespace ks {
 
-struct RecordFileEntry {
-  const char* base;          // base name of the file pair
+struct MaintenanceStatus {
+  RecordFileId file;
   const char* index_status;  // status line while its index is rebuilt
   const char* pack_status;   // status line while its data file is packed
 };
 
-inline constexpr std::size_t kRecordFileCount = 10;
-const std::array<RecordFileEntry, kRecordFileCount>& RecordFiles();
+// The ten files in the order the commands visit them, with their status lines.
+const std::array<MaintenanceStatus, kRecordFileCount>& MaintenanceOrder();
 
-// Rebuilds (index true) or packs one file pair in `dir`; false when the pair cannot be opened,
-// and then the file is skipped without a message. `echomail_option` is handed to the echomail
-// area file before it is packed. The record database installs the real procedure; until it
-// does, no file can be opened and every file is skipped.
-using MaintainFn = std::function<bool(const std::string& dir, const RecordFileEntry& file,
-                                      bool index, std::uint8_t echomail_option)>;
-MaintainFn& record_file_maintainer();
-
-// Visits the ten files in order with their status lines; returns how many were processed.
-int RunMaintenance(const std::string& dir, bool index, std::uint8_t echomail_option);
+// Visits the ten files in `dir`: each that opens (both files present) has its index rebuilt
+// (index true) or its data packed and its index rebuilt; the others are skipped silently.
+// FAREAS and MAREAS records hold `systems` connected systems; `echomail_option` is handed to
+// the echomail area file before it is packed. Returns how many files were processed.
+int RunMaintenance(const std::string& dir, bool index, std::size_t systems,
+                   std::uint8_t echomail_option);
 
 }  // namespace ks

@@ -1,0 +1,69 @@
+// A temporary directory for record-file pairs, with helpers to build records and to look at
+// the files byte for byte.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "common/fileutil.h"
+#include "common/recordext.h"
+#include "dbase/keydef.h"
+#include "tempdir.h"
+
+namespace ks::test {
+
+using Bytes = std::vector<std::uint8_t>;
+
+// Writes a length-prefixed string at `offset`.
+inline void PutStr(Bytes& rec, std::size_t offset, const std::string& s) {
+  rec[offset] = static_cast<std::uint8_t>(s.size());
+  std::memcpy(&rec[offset + 1], s.data(), s.size());
+}
+
+class PairTest : public ::testing::Test {
+ protected:
+  PairTest() { record_extensions() = {"KSX", "IDX"}; }
+  ~PairTest() override { record_extensions() = {}; }
+
+  std::string Read(const std::string& name) const {
+    return ReadWholeFile(dir_ / name).value_or("<missing>");
+  }
+  Bytes ReadBytes(const std::string& name) const {
+    const std::string s = Read(name);
+    return Bytes(s.begin(), s.end());
+  }
+  void WriteBytes(const std::string& name, const Bytes& b) const {
+    dir_.Write(name, std::string(b.begin(), b.end()));
+  }
+
+  TempDir dir_;
+};
+
+// Limits the size of files this process may write, so that a write past `bytes` fails the
+// way a full disk does; the limit is lifted when the scope ends.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) {
+    old_handler_ = std::signal(SIGXFSZ, SIG_IGN);
+    ::getrlimit(RLIMIT_FSIZE, &old_);
+    rlimit lim = old_;
+    lim.rlim_cur = bytes;
+    ::setrlimit(RLIMIT_FSIZE, &lim);
+  }
+  ~FileSizeLimit() {
+    ::setrlimit(RLIMIT_FSIZE, &old_);
+    std::signal(SIGXFSZ, old_handler_);
+  }
+
+ private:
+  rlimit old_{};
+  void (*old_handler_)(int) = nullptr;
+};
+
+}  // namespace ks::test

@@ -1,0 +1,171 @@
+#include "dbase/maintain.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numeric>
+#include <random>
+
+#include "dbase/workbox.h"
+#include "pair_fixture.h"
+#include "vt_fixture.h"
+
+namespace ks {
+namespace {
+
+using test::Bytes;
+
+constexpr std::size_t kSize = 16;
+
+// One string key of capacity 3 at offset 0 and a one-byte key at offset 8.
+KeySet Keys() {
+  KeySet k;
+  k.Declare("name", Str, 0, 4);
+  k.Declare("kind", Int, 8, 1);
+  return k;
+}
+
+Bytes Rec(const std::string& name, std::uint8_t kind, std::uint8_t payload = 0) {
+  Bytes r(kSize, 0);
+  test::PutStr(r, 0, name);
+  r[8] = kind;
+  r[15] = payload;
+  return r;
+}
+
+Bytes Entry(const std::string& name, std::uint8_t kind, std::uint16_t recno) {
+  Bytes e(7, 0);
+  test::PutStr(e, 0, name);
+  e[4] = kind;
+  e[5] = static_cast<std::uint8_t>(recno);
+  e[6] = static_cast<std::uint8_t>(recno >> 8);
+  return e;
+}
+
+Bytes Cat(std::initializer_list<Bytes> parts) {
+  Bytes out;
+  for (const auto& p : parts) out.insert(out.end(), p.begin(), p.end());
+  return out;
+}
+
+class MaintainTest : public test::PairTest {
+ protected:
+  bool Build() { return BuildIndex(dir_.path(), "PAIR", kSize, Keys()); }
+  bool Pack(const PackProc& proc = {}) { return PackDataFile(dir_.path(), "PAIR", kSize, Keys(), proc); }
+};
+
+TEST_F(MaintainTest, BuildIndexSortsTheKeysAndLeavesOutAllZeroKeys) {
+  WriteBytes("PAIR.KSX", Cat({Rec("B", 2), Rec("", 0, 9), Rec("A", 5), Rec("B", 1), Rec("", 3)}));
+  ASSERT_TRUE(Build());
+  EXPECT_EQ(ReadBytes("PAIR.IDX"),
+            Cat({Entry("", 3, 4), Entry("A", 5, 2), Entry("B", 1, 3), Entry("B", 2, 0)}));
+}
+
+TEST_F(MaintainTest, BuildIndexOnAnEmptyOrMissingDataFileLeavesNoFiles) {
+  WriteBytes("PAIR.KSX", {});
+  ASSERT_TRUE(Build());
+  EXPECT_FALSE(dir_.Has("PAIR.KSX"));
+  EXPECT_FALSE(dir_.Has("PAIR.IDX"));
+  ASSERT_TRUE(Build());
+  EXPECT_FALSE(dir_.Has("PAIR.KSX"));
+}
+
+TEST_F(MaintainTest, BuildIndexIgnoresATrailingPartialRecord) {
+  Bytes data = Cat({Rec("A", 1), Rec("B", 1)});
+  data.resize(data.size() + 5, 'x');
+  WriteBytes("PAIR.KSX", data);
+  ASSERT_TRUE(Build());
+  EXPECT_EQ(ReadBytes("PAIR.IDX"), Cat({Entry("A", 1, 0), Entry("B", 1, 1)}));
+}
+
+TEST_F(MaintainTest, PackKeepsReferencedRecordsInIndexOrderAndHandsEachToTheProc) {
+  WriteBytes("PAIR.KSX", Cat({Rec("C", 1, 10), Rec("X", 1, 11), Rec("A", 1, 12), Rec("B", 1, 13)}));
+  WriteBytes("PAIR.IDX", Cat({Entry("A", 1, 2), Entry("B", 1, 3), Entry("C", 1, 0)}));
+  WriteBytes("PAIR.$$$", Bytes(3, 7));  // left over from an interrupted pack
+  std::vector<std::uint8_t> seen;
+  ASSERT_TRUE(Pack([&](std::uint8_t* rec, std::size_t& length) {
+    seen.push_back(rec[15]);
+    if (rec[1] == 'B') length = 0;  // dropped
+    rec[14] = 0xEE;                 // converted
+  }));
+  EXPECT_EQ(seen, (std::vector<std::uint8_t>{12, 13, 10}));
+  Bytes a = Rec("A", 1, 12), c = Rec("C", 1, 10);
+  a[14] = c[14] = 0xEE;
+  EXPECT_EQ(ReadBytes("PAIR.KSX"), Cat({a, c}));
+  EXPECT_FALSE(dir_.Has("PAIR.$$$"));
+  // The record numbers changed; the caller rebuilds the index.
+  ASSERT_TRUE(Build());
+  EXPECT_EQ(ReadBytes("PAIR.IDX"), Cat({Entry("A", 1, 0), Entry("C", 1, 1)}));
+}
+
+TEST_F(MaintainTest, PackingEverythingAwayDeletesBothFiles) {
+  WriteBytes("PAIR.KSX", Cat({Rec("A", 1), Rec("B", 1)}));
+  WriteBytes("PAIR.IDX", {});
+  ASSERT_TRUE(Pack());
+  EXPECT_FALSE(dir_.Has("PAIR.KSX"));
+  EXPECT_FALSE(dir_.Has("PAIR.IDX"));
+}
+
+TEST_F(MaintainTest, APackThatRunsOutOfDiskPutsTheOldDataFileBack) {
+  Bytes data;
+  for (int i = 0; i < 200; ++i) data = Cat({data, Rec("R", static_cast<std::uint8_t>(i))});
+  Bytes index;
+  for (int i = 0; i < 200; ++i) index = Cat({index, Entry("R", static_cast<std::uint8_t>(i), static_cast<std::uint16_t>(i))});
+  WriteBytes("PAIR.KSX", data);
+  WriteBytes("PAIR.IDX", index);
+  {
+    test::FileSizeLimit limit(100 * kSize);  // the new data file cannot be completed
+    EXPECT_FALSE(Pack());
+  }
+  EXPECT_EQ(ReadBytes("PAIR.KSX"), data);
+  EXPECT_EQ(ReadBytes("PAIR.IDX"), index);
+  EXPECT_FALSE(dir_.Has("PAIR.$$$"));
+}
+
+TEST(SortIndexEntries, EqualKeysComeOutInTheOrderTheMiddlePivotQuicksortGives) {
+  KeySet k;
+  k.Declare("key", Int, 0, 1);
+  // Entries: key byte + record number. Hand-run the quicksort on 2,1,2,1 (pivot index 1).
+  Bytes e = {2, 0, 0, 1, 1, 0, 2, 2, 0, 1, 3, 0};
+  SortIndexEntries(e, k);
+  EXPECT_EQ(e, (Bytes{1, 3, 0, 1, 1, 0, 2, 0, 0, 2, 2, 0}));
+}
+
+TEST(SortIndexEntries, SortsLargeInputsAndSurvivesAnAdversarialOrder) {
+  KeySet k;
+  k.Declare("key", Wrd, 0, 2);
+  const std::size_t n = 40000;
+  std::vector<std::uint16_t> keys(n);
+  std::iota(keys.begin(), keys.end(), 0);
+  // A shuffled input and an "organ pipe" one, which degrades naive middle-pivot sorts.
+  std::shuffle(keys.begin(), keys.end(), std::mt19937(7));
+  for (int pass = 0; pass < 2; ++pass) {
+    Bytes e;
+    for (std::size_t i = 0; i < n; ++i) {
+      const std::uint16_t key = pass == 0 ? keys[i] : static_cast<std::uint16_t>(std::min(i, n - 1 - i));
+      e.insert(e.end(), {static_cast<std::uint8_t>(key), static_cast<std::uint8_t>(key >> 8), 0, 0});
+    }
+    SortIndexEntries(e, k);
+    for (std::size_t i = 1; i < n; ++i)
+      ASSERT_LE(k.Compare(&e[(i - 1) * 4], &e[i * 4]), 0) << "pass " << pass << " at " << i;
+  }
+}
+
+class WorkBoxTest : public test::VtTest {};
+
+TEST_F(WorkBoxTest, ShowsHowFarTheWorkHasComeAndRestoresTheScreen) {
+  const std::string before = vt_.Dump();
+  {
+    WorkBox box("Building index files", "    Please wait     ");
+    box.Progress(450, 1000);
+    EXPECT_TRUE(vt_.Contains("Building index files"));
+    EXPECT_TRUE(vt_.Contains("Please wait"));
+    EXPECT_TRUE(vt_.Contains("45%"));
+    box.Progress(1000, 1000);
+    EXPECT_TRUE(vt_.Contains("100%"));
+  }
+  EXPECT_FALSE(OnScreen("Please wait"));
+}
+
+}  // namespace
+}  // namespace ks

@@ -1,0 +1,204 @@
+#include "dbase/recordfile.h"
+
+#include <gtest/gtest.h>
+
+#include "dbase/database.h"
+#include "pair_fixture.h"
+
+namespace ks {
+namespace {
+
+using Tags = std::vector<std::string>;
+
+FileMGRrec Fileecho(const std::string& tag, std::uint8_t group) {
+  FileMGRrec r{};
+  r.tag = tag;
+  r.group = group;
+  r.description = "about " + tag;
+  return r;
+}
+
+class RecordFileTest : public test::PairTest {
+ protected:
+  // An empty FAREAS pair on disk, opened.
+  void OpenEmpty() {
+    dir_.Write("FAREAS.KSX", "");
+    dir_.Write("FAREAS.IDX", "");
+    ASSERT_TRUE(fa_.Open(dir_.path()));
+  }
+  std::vector<std::string> IndexTags() const {
+    std::vector<std::string> tags;
+    for (int i = 0; i < fa_.Count(); ++i) tags.push_back(fa_.GetIndex(i).tag.str());
+    return tags;
+  }
+
+  TFAreasFile fa_;
+};
+
+
+
+
+TEST_F(RecordFileTest, AClosedFileAnswersEverythingEmptyOrFalse) {
+  FileMGRrec rec = Fileecho("X", 1);
+  EXPECT_FALSE(fa_.Open(dir_.path()));  // neither file exists
+  dir_.Write("FAREAS.KSX", "");
+  EXPECT_FALSE(fa_.Open(dir_.path()));  // the index is missing
+  EXPECT_FALSE(fa_.IsOpen());
+  EXPECT_EQ(fa_.Count(), 0);
+  EXPECT_EQ(fa_.Find("X"), -1);
+  EXPECT_FALSE(fa_.ReadRecord(0, rec));
+  EXPECT_FALSE(fa_.Add(rec));
+  EXPECT_FALSE(fa_.Update(0, rec));
+  EXPECT_FALSE(fa_.Delete(0));
+  fa_.Rebuild();
+  fa_.Pack();
+  const FileMGRidx idx = fa_.GetIndex(0);
+  EXPECT_EQ(idx.tag.len, 0);
+  EXPECT_EQ(idx.recno, 0);
+  EXPECT_FALSE(dir_.Has("FAREAS.IDX"));
+}
+
+TEST_F(RecordFileTest, FindFoldsLettersWhileTheGenericEngineSortsThemApart) {
+  OpenEmpty();
+  EXPECT_EQ(fa_.Find("ANY"), -1);  // empty
+  ASSERT_TRUE(fa_.Add(Fileecho("zeta", 1)));
+  ASSERT_TRUE(fa_.Add(Fileecho("Alpha", 2)));
+  ASSERT_TRUE(fa_.Add(Fileecho("MID", 3)));
+  EXPECT_EQ(IndexTags(), (Tags{"Alpha", "MID", "zeta"}));
+  EXPECT_EQ(fa_.Find("ZETA"), 2);
+  EXPECT_EQ(fa_.Find("alpha"), 0);
+  EXPECT_EQ(fa_.Find("mid"), 1);
+  EXPECT_EQ(fa_.Find("MI"), -1);
+  FileMGRrec rec;
+  ASSERT_TRUE(fa_.ReadRecord(fa_.Find("Zeta"), rec));
+  EXPECT_EQ(rec.description.str(), "about zeta");
+  EXPECT_EQ(fa_.GetIndex(2).group, 1);
+  EXPECT_EQ(fa_.GetIndex(5).recno, 0);  // past the end: a zeroed entry
+
+  // The files are the common format: the list editor's engine reads them, byte-ordered.
+  fa_.Close();
+  const RecordFileDef& def = FileDef(RecordFileId::kFAreas);
+  ksDataBase db("FAREAS", def.RecordSize(), def.keys);
+  ASSERT_EQ(db.Open(dir_.path()), ksDataBase::OpenResult::kOk);
+  const FileMGRrec beta = Fileecho("beta", 1);
+  ASSERT_TRUE(db.Insert(reinterpret_cast<const std::uint8_t*>(&beta)));
+  EXPECT_EQ(db.current(), 2);  // byte order: "Alpha" "MID" "beta" "zeta"
+  EXPECT_EQ(db.count(), 4);
+}
+
+TEST_F(RecordFileTest, EqualKeysKeepTheirOrderAndAnUpdateResortsOnlyWhenTheKeyChanged) {
+  OpenEmpty();
+  ASSERT_TRUE(fa_.Add(Fileecho("SAME", 1)));
+  ASSERT_TRUE(fa_.Add(Fileecho("B", 2)));
+  ASSERT_TRUE(fa_.Add(Fileecho("same", 3)));  // equal when folded: after the first
+  EXPECT_EQ(IndexTags(), (Tags{"B", "SAME", "same"}));
+
+  // A change of letter case only: the record changes, the entry keeps its key, takes the group.
+  ASSERT_TRUE(fa_.Update(0, Fileecho("b", 9)));
+  EXPECT_EQ(fa_.GetIndex(0).tag.str(), "B");
+  EXPECT_EQ(fa_.GetIndex(0).group, 9);
+  FileMGRrec rec;
+  ASSERT_TRUE(fa_.ReadRecord(0, rec));
+  EXPECT_EQ(rec.tag.str(), "b");
+
+  // A new key moves the entry.
+  ASSERT_TRUE(fa_.Update(0, Fileecho("ZZ", 9)));
+  EXPECT_EQ(IndexTags(), (Tags{"SAME", "same", "ZZ"}));
+  fa_.Close();
+  ASSERT_TRUE(fa_.Open(dir_.path()));  // saved to disk after every change
+  EXPECT_EQ(IndexTags(), (Tags{"SAME", "same", "ZZ"}));
+  EXPECT_EQ(fa_.GetIndex(2).recno, 1);
+}
+
+TEST_F(RecordFileTest, ADeletedRecordComesBackWithRebuildAndGoesForGoodWithPack) {
+  OpenEmpty();
+  for (const char* tag : {"A", "B", "C"}) ASSERT_TRUE(fa_.Add(Fileecho(tag, 1)));
+  ASSERT_TRUE(fa_.Delete(fa_.Find("B")));
+  EXPECT_EQ(IndexTags(), (Tags{"A", "C"}));
+  fa_.Rebuild();
+  EXPECT_EQ(IndexTags(), (Tags{"A", "B", "C"}));
+
+  ASSERT_TRUE(fa_.Delete(fa_.Find("A")));
+  fa_.Pack();
+  ASSERT_TRUE(fa_.IsOpen());
+  EXPECT_EQ(IndexTags(), (Tags{"B", "C"}));
+  EXPECT_EQ(Read("FAREAS.KSX").size(), 2 * kFileRecSizeDefault);
+  EXPECT_FALSE(dir_.Has("FAREAS.$$$"));
+  fa_.Rebuild();
+  EXPECT_EQ(IndexTags(), (Tags{"B", "C"}));
+  EXPECT_EQ(fa_.GetIndex(0).recno, 0);
+  FileMGRrec rec;
+  ASSERT_TRUE(fa_.ReadRecord(1, rec));
+  EXPECT_EQ(rec.tag.str(), "C");
+}
+
+TEST_F(RecordFileTest, AnAddThatCannotBeWrittenLeavesTheFileAsItWas) {
+  OpenEmpty();
+  ASSERT_TRUE(fa_.Add(Fileecho("KEEP", 1)));
+  const std::string data = Read("FAREAS.KSX"), index = Read("FAREAS.IDX");
+  {
+    test::FileSizeLimit limit(kFileRecSizeDefault + 100);
+    EXPECT_FALSE(fa_.Add(Fileecho("LOST", 1)));
+  }
+  EXPECT_EQ(fa_.Count(), 1);
+  EXPECT_EQ(Read("FAREAS.KSX"), data);
+  EXPECT_EQ(Read("FAREAS.IDX"), index);
+}
+
+TEST_F(RecordFileTest, FileechoRecordsFollowTheConfiguredNumberOfSystems) {
+  TFAreasFile small(10);
+  EXPECT_EQ(small.record_size(), FileechoRecordSize(10));
+  dir_.Write("FAREAS.KSX", "");
+  dir_.Write("FAREAS.IDX", "");
+  ASSERT_TRUE(small.Open(dir_.path()));
+  FileMGRrec rec = Fileecho("TEN", 1);
+  rec.systems[9].address.zone = 2;
+  rec.systems[10].address.zone = 3;  // beyond the configured slots: not stored
+  ASSERT_TRUE(small.Add(rec));
+  EXPECT_EQ(Read("FAREAS.KSX").size(), FileechoRecordSize(10));
+  FileMGRrec back;
+  ASSERT_TRUE(small.ReadRecord(0, back));
+  EXPECT_EQ(back.systems[9].address.zone, 2);
+  EXPECT_EQ(back.systems[10].address.zone, 0);
+}
+
+TEST_F(RecordFileTest, NodesAreFoundByAddressAndOrderedByWords) {
+  dir_.Write("NODEFILE.KSX", "");
+  dir_.Write("NODEFILE.IDX", "");
+  TNodeFile nodes;
+  ASSERT_TRUE(nodes.Open(dir_.path()));
+  for (NetAddr a : {NetAddr{2, 280, 5555, 1}, NetAddr{1, 300, 1, 0}, NetAddr{2, 280, 5555, 0}}) {
+    NodeMGRrec n{};
+    n.address = a;
+    n.sysop = "Sysop";
+    ASSERT_TRUE(nodes.Add(n));
+  }
+  EXPECT_EQ(nodes.GetIndex(0).address, (NetAddr{1, 300, 1, 0}));
+  EXPECT_EQ(nodes.Find(NetAddr{2, 280, 5555, 1}), 2);
+  EXPECT_EQ(nodes.Find(NetAddr{2, 280, 5555, 0}), 1);
+  EXPECT_EQ(nodes.Find(NetAddr{2, 280, 5556, 0}), -1);
+}
+
+TEST_F(RecordFileTest, TheEchomailOptionDropsUnlinkedAreasWhenPacking) {
+  dir_.Write("MAREAS.KSX", "");
+  dir_.Write("MAREAS.IDX", "");
+  for (std::uint8_t option : {0, 1}) {
+    TMAreasFile areas;
+    ASSERT_TRUE(areas.Open(dir_.path()));
+    while (areas.Count() > 0) areas.Delete(0);
+    EchoMGRrec linked{}, unlinked{};
+    linked.tag = "LINKED";
+    linked.systems[199].address = {2, 280, 1, 0};
+    unlinked.tag = "UNLINKED";
+    ASSERT_TRUE(areas.Add(linked));
+    ASSERT_TRUE(areas.Add(unlinked));
+    areas.SetEchomailOption(option);
+    areas.Pack();
+    EXPECT_EQ(areas.Count(), option ? 1 : 2) << int(option);
+    EXPECT_EQ(areas.GetIndex(0).tag.str(), "LINKED");
+    EXPECT_EQ(Read("MAREAS.KSX").size(), areas.Count() * EchoRecordSize(200));
+  }
+}
+
+}  // namespace
+}  // namespace ks

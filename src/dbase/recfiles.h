@@ -27,7 +27,7 @@ inline constexpr std::size_t kRecordFileCount = 10;
 struct RecordFileDef {
   RecordFileId id;
   const char* base;
-  std::size_t fixed_size;  // the record size, or its fixed part when slots_per_system is set
+  std::size_t fixed_size;  // the record size, or its fixed part when per_system is set
   bool per_system;         // FAREAS, MAREAS: 9 bytes more per "Number of systems"
   KeySet keys;
 

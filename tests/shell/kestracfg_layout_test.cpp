@@ -1,33 +1,15 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <set>
-#include <vector>
 
+#include "layout_check.h"
 #include "shell/kestracfg.h"
 #include "shell/kestracfg_fields.h"
 
 namespace ks {
 namespace {
 
-// Sorted by offset, the fields must follow each other without gap or overlap and end exactly
-// at the struct's size: then nothing overlaps, nothing lies outside and every byte is named.
-void ExpectTiles(std::span<const CfgField> table, std::size_t size, std::string_view what) {
-  std::vector<CfgField> fields(table.begin(), table.end());
-  std::sort(fields.begin(), fields.end(),
-            [](const CfgField& a, const CfgField& b) { return a.offset < b.offset; });
-  std::size_t next = 0;
-  std::set<std::string_view> names;
-  for (const auto& f : fields) {
-    EXPECT_TRUE(names.insert(f.name).second) << what << ": " << f.name << " listed twice";
-    EXPECT_GT(f.size, 0u) << what << ": " << f.name;
-    EXPECT_EQ(f.offset, next) << what << ": " << f.name
-                              << (f.offset < next ? " overlaps its predecessor" : " leaves a gap");
-    EXPECT_LE(f.offset + f.size, size) << what << ": " << f.name << " lies outside";
-    next = f.offset + f.size;
-  }
-  EXPECT_EQ(next, size) << what << ": the fields do not reach the end";
-}
+using test::ExpectTiles;
 
 TEST(KestraCfgLayout, TopLevelFieldsCoverTheWholeRecord) {
   ExpectTiles(KestraCfgFields(), kSetupRecordSize, "KESTRAcfg");

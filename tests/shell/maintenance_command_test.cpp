@@ -1,0 +1,85 @@
+// The Index and Pack commands run by the whole program on a program directory.
+#include <gtest/gtest.h>
+
+#include "app_fixture.h"
+#include "common/fileutil.h"
+#include "dbase/fileecho_rec.h"
+#include "dbase/list_recs.h"
+#include "shell/cfgdefaults.h"
+
+namespace ks {
+namespace {
+
+class MaintenanceCommandTest : public test::AppTest {
+ protected:
+  void SetUp() override {
+    KESTRAcfg cfg{};
+    FillNewDefaults(cfg);
+    cfg.addresses[0] = {2, 280, 5555, 0};
+    cfg.numberOfSystems = 10;  // fileecho records of 739 + 90 bytes
+    cfg.echoMailOption = kEchoPackDropUnlinked;
+    WriteSetup(cfg);
+  }
+  template <class Rec>
+  void WriteRecords(const std::string& name, const std::vector<Rec>& recs, std::size_t size) {
+    std::string bytes;
+    for (const Rec& r : recs) bytes.append(reinterpret_cast<const char*>(&r), size);
+    dir_.Write(name, bytes);
+  }
+  std::size_t Size(const std::string& name) const {
+    return static_cast<std::size_t>(FileSize(dir_ / name).value_or(0));
+  }
+};
+
+FileMGRrec Fileecho(const char* tag) {
+  FileMGRrec r{};
+  r.tag = tag;
+  return r;
+}
+
+TEST_F(MaintenanceCommandTest, IndexRebuildsThePairsThatOpenAndSkipsTheOthers) {
+  const std::size_t size = FileechoRecordSize(10);
+  WriteRecords<FileMGRrec>("FAREAS.KSX", {Fileecho("B"), Fileecho("A")}, size);
+  dir_.Write("FAREAS.IDX", "garbage");
+  HatchMGRrec hatch{};
+  hatch.area = "A";
+  WriteRecords<HatchMGRrec>("HATCH.KSX", {hatch}, sizeof hatch);  // no HATCH.IDX: skipped
+  EXPECT_EQ(Run({"Index", "Pack"}, ""), 0);  // Index wins over Pack
+  EXPECT_EQ(Size("FAREAS.IDX"), 2 * sizeof(FileMGRidx));
+  EXPECT_EQ(Size("FAREAS.KSX"), 2 * size);
+  const std::string idx = *ReadWholeFile(dir_ / "FAREAS.IDX");
+  EXPECT_EQ(idx[1], 'A');
+  EXPECT_EQ(idx[42], 1);  // record number of "A"
+  EXPECT_FALSE(dir_.Has("HATCH.IDX"));
+}
+
+TEST_F(MaintenanceCommandTest, PackDropsDeletedRecordsAndHandsTheEchomailOptionOn) {
+  const std::size_t size = FileechoRecordSize(10);
+  WriteRecords<FileMGRrec>("FAREAS.KSX", {Fileecho("GONE"), Fileecho("KEPT")}, size);
+  FileMGRidx kept{};  // an index with only "KEPT" (record 1)
+  kept.tag = "KEPT";
+  kept.recno = 1;
+  dir_.Write("FAREAS.IDX", std::string(reinterpret_cast<const char*>(&kept), sizeof kept));
+  EchoMGRrec linked{}, unlinked{};
+  linked.tag = "LINKED";
+  linked.systems[0].address = {2, 280, 1, 0};
+  unlinked.tag = "UNLINKED";
+  WriteRecords<EchoMGRrec>("MAREAS.KSX", {unlinked, linked}, EchoRecordSize(10));
+  EchoMgrIdx entries[2] = {};
+  entries[0].tag = "LINKED";
+  entries[0].recno = 1;
+  entries[1].tag = "UNLINKED";
+  dir_.Write("MAREAS.IDX", std::string(reinterpret_cast<const char*>(entries), sizeof entries));
+  EXPECT_EQ(Run({"pack"}, ""), 0);
+  EXPECT_EQ(Size("FAREAS.KSX"), size);
+  EXPECT_EQ(ReadWholeFile(dir_ / "FAREAS.KSX")->substr(1, 4), "KEPT");
+  EXPECT_EQ(Size("FAREAS.IDX"), sizeof(FileMGRidx));
+  // The echomail option drops the area no system is connected to.
+  EXPECT_EQ(Size("MAREAS.KSX"), EchoRecordSize(10));
+  EXPECT_EQ(ReadWholeFile(dir_ / "MAREAS.KSX")->substr(1, 6), "LINKED");
+  EXPECT_EQ(Size("MAREAS.IDX"), sizeof(EchoMgrIdx));
+  EXPECT_FALSE(dir_.Has("FAREAS.$$$"));
+}
+
+}  // namespace
+}  // namespace ks

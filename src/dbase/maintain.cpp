@@ -210,22 +210,18 @@ bool PackDataFile(const std::string& dir, const std::string& base, std::size_t r
   const std::string data_name = DataFileName(dir, base);
   const std::string index_name = IndexFileName(dir, base);
   const std::string scratch_name = ScratchFileName(dir, base);
-  if (!FileExists(data_name)) return false;
-  if (std::rename(data_name.c_str(), scratch_name.c_str()) != 0) {
-    ::unlink(scratch_name.c_str());  // left over from an earlier pack
-    if (std::rename(data_name.c_str(), scratch_name.c_str()) != 0) return false;
-  }
-  RawFile out;
+  // The new data file is built as base.$$$ beside the old one and renamed over it once it is
+  // complete and on disk, so an interruption at any point leaves the old data file whole. A
+  // left-over base.$$$ is always an unfinished new file and is replaced.
   MappedFile old;
-  auto put_back = [&] {
+  if (!FileExists(data_name) || !old.Map(data_name)) return false;
+  ::unlink(scratch_name.c_str());
+  RawFile out;
+  auto give_up = [&] {
     out.Close();
-    ::unlink(data_name.c_str());
-    std::rename(scratch_name.c_str(), data_name.c_str());
+    ::unlink(scratch_name.c_str());
   };
-  if (!out.Open(data_name, RawFile::Mode::kCreate) || !old.Map(scratch_name)) {
-    put_back();
-    return false;
-  }
+  if (!out.Open(scratch_name, RawFile::Mode::kCreate)) return false;
   std::vector<std::uint8_t> entries;
   if (auto text = ReadWholeFile(index_name)) entries.assign(text->begin(), text->end());
   const std::size_t k = keys.length(), e = keys.entry_size();
@@ -236,9 +232,9 @@ bool PackDataFile(const std::string& dir, const std::string& base, std::size_t r
   for (std::size_t i = 0; i < count; ++i) {
     const std::uint64_t at = std::uint64_t{EntryRecNo(&entries[i * e], k)} * record_size;
     if (at >= old.size()) {
+      give_up();
       if (ui().screen)
         MessageBox("Error found in data file. Rebuild index/files to repair the problem", {"Ok"});
-      put_back();
       throw ProgramHalt{0};
     }
     std::fill(record.begin(), record.end(), 0);
@@ -248,22 +244,26 @@ bool PackDataFile(const std::string& dir, const std::string& base, std::size_t r
     if (proc) proc(record.data(), length);
     length = std::min(length, kMaxRecordSize);
     if (length > 0 && !writer.Append(record.data(), length)) {
-      put_back();
+      give_up();
       return false;
     }
     if (i % 256 == 0) box.Progress(i, count);
   }
   if (!writer.Flush() || !out.Sync()) {
-    put_back();
+    give_up();
     return false;
   }
   box.Progress(count, count);
-  const bool empty = writer.total() == 0;
   out.Close();
-  ::unlink(scratch_name.c_str());
-  if (empty) {
+  if (writer.total() == 0) {
+    ::unlink(scratch_name.c_str());
     ::unlink(data_name.c_str());
     ::unlink(index_name.c_str());
+    return true;
+  }
+  if (std::rename(scratch_name.c_str(), data_name.c_str()) != 0) {
+    ::unlink(scratch_name.c_str());
+    return false;
   }
   return true;
 }

@@ -37,10 +37,11 @@ void SortIndexEntries(std::vector<std::uint8_t>& entries, const KeySet& keys, in
 bool SortIndex(RawFile& index, const KeySet& keys, int first_key = 1);
 
 // Packs the data file of base in `dir`: the records the index refers to, in index order, each
-// passed through `proc` when given. The old data file lives on as base.$$$ until the new one
-// is complete and on disk; on any failure it is put back and false is returned. An index entry
-// pointing past the data shows "Error found in data file..." and ends the program (ProgramHalt)
-// after the data file was put back. The caller builds the index afterwards.
+// passed through `proc` when given. The new data file is written as base.$$$, flushed to disk
+// and renamed over the old one; on any failure the old data file stays as it was and false is
+// returned. An index entry pointing past the data shows "Error found in data file..." and ends
+// the program (ProgramHalt) with the data file untouched. The caller builds the index
+// afterwards, since the record numbers have changed.
 bool PackDataFile(const std::string& dir, const std::string& base, std::size_t record_size,
                   const KeySet& keys, const PackProc& proc = {});
 

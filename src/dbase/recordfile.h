@@ -36,6 +36,7 @@ class TRecordFile {
   bool IsOpen() const { return open_; }
   std::uint16_t Count() const { return count_; }
 
+  const std::string& base() const { return base_; }
   std::size_t record_size() const { return record_size_; }
   std::size_t entry_size() const { return entry_size_; }
   const std::string& data_file_name() const { return data_name_; }

@@ -52,7 +52,8 @@ bool WriteDemoRecords(const std::string& dir) {
   const struct {
     ks::NetAddr address;
     const char* sysop;
-  } systems[] = {{{2, 280, 1, 0}, "Hub Sysop"}, {{2, 280, 5555, 1}, "Point Operator"},
+  } systems[] = {{{2, 280, 1, 0}, "Hub Sysop"},
+                 {{2, 280, 5555, 1}, "Point Operator"},
                  {{2, 280, 77, 0}, "Downlink Sysop"}};
   for (const auto& n : systems) {
     ks::NodeMGRrec r{};

@@ -26,7 +26,11 @@ struct Layout {
 }  // namespace ks
 
 // One table row for member `member` of `type`; KS_RESERVED marks a free area.
-#define KS_FIELD(type, member) \
-  ::ks::LayoutField { #member, offsetof(type, member), sizeof(type::member), false }
-#define KS_RESERVED(type, member) \
-  ::ks::LayoutField { #member, offsetof(type, member), sizeof(type::member), true }
+#define KS_FIELD(type, member)                                   \
+  ::ks::LayoutField {                                            \
+#member, offsetof(type, member), sizeof(type::member), false \
+  }
+#define KS_RESERVED(type, member)                               \
+  ::ks::LayoutField {                                           \
+#member, offsetof(type, member), sizeof(type::member), true \
+  }

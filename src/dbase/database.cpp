@@ -12,7 +12,9 @@
 namespace ks {
 
 ksDataBase::ksDataBase(std::string base, std::size_t record_size, KeySet keys)
-    : base_(std::move(base)), record_size_(record_size), keys_(keys),
+    : base_(std::move(base)),
+      record_size_(record_size),
+      keys_(keys),
       entry_size_(keys.entry_size()) {
   if (record_size_ == 0 || record_size_ > kMaxRecordSize)
     throw std::logic_error("Record size larger than maximum!");
@@ -29,8 +31,8 @@ ksDataBase::OpenResult ksDataBase::Open(const std::string& dir) {
   return again ? OpenResult::kFailed : r;
 }
 
-ksDataBase::OpenResult ksDataBase::OpenOnce(const std::string& dir, bool* rebuilt,
-                                            bool* packed, bool* again) {
+ksDataBase::OpenResult ksDataBase::OpenOnce(const std::string& dir, bool* rebuilt, bool* packed,
+                                            bool* again) {
   Close();
   const std::string data_name = DataFileName(dir, base_);
   const std::string index_name = IndexFileName(dir, base_);
@@ -47,12 +49,13 @@ ksDataBase::OpenResult ksDataBase::OpenOnce(const std::string& dir, bool* rebuil
   const std::uint64_t data_size = data_.Size().value_or(0);
   if (data_size % record_size_ != 0) {
     Close();
-    if (ui().screen) MessageBox("The datafile is corrupt/Have you run the update utility?", {"Continue"});
+    if (ui().screen)
+      MessageBox("The datafile is corrupt/Have you run the update utility?", {"Continue"});
     return OpenResult::kCorrupt;
   }
   const auto index_size = FileSize(index_name);
-  const bool damaged = !index_size || *index_size % entry_size_ != 0 ||
-                       *index_size / entry_size_ > kMaxRecords;
+  const bool damaged =
+      !index_size || *index_size % entry_size_ != 0 || *index_size / entry_size_ > kMaxRecords;
   if (damaged) {
     Close();
     if (*rebuilt) return OpenResult::kFailed;
@@ -90,7 +93,8 @@ void ksDataBase::Close() {
 }
 
 int ksDataBase::data_records() const {
-  return static_cast<int>(std::min<std::uint64_t>(data_.Size().value_or(0) / record_size_, kMaxRecords));
+  return static_cast<int>(
+      std::min<std::uint64_t>(data_.Size().value_or(0) / record_size_, kMaxRecords));
 }
 
 void ksDataBase::set_current(int pos) {
@@ -123,7 +127,8 @@ int ksDataBase::InsertPos(const std::uint8_t* key) const {
 bool ksDataBase::WriteEntries(int first, int last) {
   if (first > last) return true;
   const std::size_t at = static_cast<std::size_t>(first) * entry_size_;
-  return index_file_.WriteAt(at, &index_[at], static_cast<std::size_t>(last - first + 1) * entry_size_);
+  return index_file_.WriteAt(at, &index_[at],
+                             static_cast<std::size_t>(last - first + 1) * entry_size_);
 }
 
 bool ksDataBase::InsertEntry(const std::uint8_t* entry) {
@@ -145,7 +150,8 @@ bool ksDataBase::RemoveEntry(int pos) {
   const int n = count();
   index_.erase(index_.begin() + static_cast<std::ptrdiff_t>(pos) * entry_size_,
                index_.begin() + static_cast<std::ptrdiff_t>(pos + 1) * entry_size_);
-  const bool ok = WriteEntries(pos, n - 2) && index_file_.Truncate(std::uint64_t(n - 1) * entry_size_);
+  const bool ok =
+      WriteEntries(pos, n - 2) && index_file_.Truncate(std::uint64_t(n - 1) * entry_size_);
   set_current(current_);
   return ok;
 }

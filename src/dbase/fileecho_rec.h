@@ -19,15 +19,15 @@
 
 namespace ks {
 
-inline constexpr std::size_t kMaxSystems = 255;          // "Number of systems" is one byte
+inline constexpr std::size_t kMaxSystems = 255;  // "Number of systems" is one byte
 inline constexpr std::size_t kDefaultSystemsPerArea = 200;
 
 // Connected-system flag byte.
-inline constexpr std::uint8_t kSysSendFiles = 0x01;    // "Send files"
-inline constexpr std::uint8_t kSysPause = 0x02;        // "Pause"
+inline constexpr std::uint8_t kSysSendFiles = 0x01;     // "Send files"
+inline constexpr std::uint8_t kSysPause = 0x02;         // "Pause"
 inline constexpr std::uint8_t kSysReceiveFiles = 0x04;  // "Receive files"
-inline constexpr std::uint8_t kSysPrerelease = 0x08;   // "Prerelease"
-inline constexpr std::uint8_t kSysStatusMask = 0x70;   // "Msg status": SystemMsgStatus << 4
+inline constexpr std::uint8_t kSysPrerelease = 0x08;    // "Prerelease"
+inline constexpr std::uint8_t kSysStatusMask = 0x70;    // "Msg status": SystemMsgStatus << 4
 inline constexpr int kSysStatusShift = 4;
 inline constexpr std::uint8_t kSysMandatory = 0x80;  // "Mandatory"
 
@@ -77,46 +77,46 @@ inline constexpr std::uint16_t kFe2NoHoldDir = 128;
 
 // "LongDesc": which long description is used and which takes priority.
 enum LongDescMode : std::uint8_t {
-  ldNormal,           // "Normal"
-  ldFileIdNormal,     // "FILE_ID.DIZ/Normal"
-  ldLdescNormal,      // "LDESC/Normal"
-  ldFileIdLdesc,      // "FILE_ID.DIZ/LDESC"
-  ldLdescFileId,      // "LDESC/FILE_ID.DIZ"
+  ldNormal,        // "Normal"
+  ldFileIdNormal,  // "FILE_ID.DIZ/Normal"
+  ldLdescNormal,   // "LDESC/Normal"
+  ldFileIdLdesc,   // "FILE_ID.DIZ/LDESC"
+  ldLdescFileId,   // "LDESC/FILE_ID.DIZ"
 };
-enum CostUnitSize : std::uint8_t { cu100kb, cu1024kb, cuFile };         // "Unit size"
-enum CostDivision : std::uint8_t { cdCsNodes, cdAllNodes, cdNo };       // "Div costs"
-enum RaidDistribution : std::uint8_t { rdFilebone, rdOpen };            // "Distribution"
-enum RaidHatching : std::uint8_t { rhNoHatching, rhAnyone };            // "Hatching"
+enum CostUnitSize : std::uint8_t { cu100kb, cu1024kb, cuFile };    // "Unit size"
+enum CostDivision : std::uint8_t { cdCsNodes, cdAllNodes, cdNo };  // "Div costs"
+enum RaidDistribution : std::uint8_t { rdFilebone, rdOpen };       // "Distribution"
+enum RaidHatching : std::uint8_t { rhNoHatching, rhAnyone };       // "Hatching"
 
 #pragma pack(push, 1)
 template <std::size_t Systems>
 struct FileechoRecord {
-  PStr<40> tag;                     // 0 "Fileecho tag" (group record: "Fileecho mask"); key
-  PStr<12> templateFile;            // 41 "Template": netmail announcement template
-  PStr<55> description;             // 54 "Fileecho description"
-  std::uint8_t group = 0;           // 110 "Group"; key
-  std::uint8_t groupUnique = 0;     // 111 group records: "Unique" directory per fileecho
-  std::uint8_t groupAddBbs = 0;     // 112 group records: "Add BBS"
-  std::int16_t keep = 0;            // 113 "Keep #": -1 = all and no sort, 0 = all, 1..99
-  std::uint8_t groupUplink = 0;     // 115 group records: "Uplink" number; key of GRPFILE
-  PStr<100> destination;            // 116 "Dest": destination directory
-  std::uint16_t maxSize = 0;        // 217 "Max size": kilobytes, 0 = no limit
-  std::uint16_t maxFiles = 0;       // 219 "Max file" (group records: also "BBS Mask")
-  std::uint16_t maxDays = 0;        // 221 "Max days", 0 = no limit
-  PStr<60> banner;                  // 223 "Banner" added to archives
-  std::uint8_t useAka = 0;          // 284 "Use aka": index into the system addresses
-  std::uint8_t longDesc = 0;        // 285 "LongDesc": LongDescMode
-  std::uint16_t options = 0;        // 286 first option word (kFe...)
-  std::uint16_t options2 = 0;       // 288 second option word (kFe2...)
-  std::uint8_t convert = 0;         // 290 "Convert": 0 = none, 1..10 = archiver row
-  std::uint8_t incCost = 0;         // 291 "Inc cost"
-  Real unitCost = 0;                // 292 "Unit cost", in 100-cent units
-  std::uint8_t unitSize = 0;        // 300 "Unit size": CostUnitSize
-  std::uint8_t divCosts = 0;        // 301 "Div costs": CostDivision
-  Real addPercent = 0;              // 302 "Add %"
-  std::uint16_t raidLevel = 0;      // 310 "Level" 0..4096
-  std::uint8_t raidDistribution = 0;  // 312 "Distribution": RaidDistribution
-  std::uint8_t raidHatching = 0;      // 313 "Hatching": RaidHatching
+  PStr<40> tag;                        // 0 "Fileecho tag" (group record: "Fileecho mask"); key
+  PStr<12> templateFile;               // 41 "Template": netmail announcement template
+  PStr<55> description;                // 54 "Fileecho description"
+  std::uint8_t group = 0;              // 110 "Group"; key
+  std::uint8_t groupUnique = 0;        // 111 group records: "Unique" directory per fileecho
+  std::uint8_t groupAddBbs = 0;        // 112 group records: "Add BBS"
+  std::int16_t keep = 0;               // 113 "Keep #": -1 = all and no sort, 0 = all, 1..99
+  std::uint8_t groupUplink = 0;        // 115 group records: "Uplink" number; key of GRPFILE
+  PStr<100> destination;               // 116 "Dest": destination directory
+  std::uint16_t maxSize = 0;           // 217 "Max size": kilobytes, 0 = no limit
+  std::uint16_t maxFiles = 0;          // 219 "Max file" (group records: also "BBS Mask")
+  std::uint16_t maxDays = 0;           // 221 "Max days", 0 = no limit
+  PStr<60> banner;                     // 223 "Banner" added to archives
+  std::uint8_t useAka = 0;             // 284 "Use aka": index into the system addresses
+  std::uint8_t longDesc = 0;           // 285 "LongDesc": LongDescMode
+  std::uint16_t options = 0;           // 286 first option word (kFe...)
+  std::uint16_t options2 = 0;          // 288 second option word (kFe2...)
+  std::uint8_t convert = 0;            // 290 "Convert": 0 = none, 1..10 = archiver row
+  std::uint8_t incCost = 0;            // 291 "Inc cost"
+  Real unitCost = 0;                   // 292 "Unit cost", in 100-cent units
+  std::uint8_t unitSize = 0;           // 300 "Unit size": CostUnitSize
+  std::uint8_t divCosts = 0;           // 301 "Div costs": CostDivision
+  Real addPercent = 0;                 // 302 "Add %"
+  std::uint16_t raidLevel = 0;         // 310 "Level" 0..4096
+  std::uint8_t raidDistribution = 0;   // 312 "Distribution": RaidDistribution
+  std::uint8_t raidHatching = 0;       // 313 "Hatching": RaidHatching
   std::uint8_t raidReturnChannel = 0;  // 314 "Return channel"
   std::uint8_t reserved315[424] = {};
   ConnectedSystem systems[Systems];  // 739 "Systems"
@@ -138,15 +138,15 @@ using FileMGRrec = FileechoRecord<kMaxSystems>;
 inline constexpr std::size_t kFileRecSizeDefault = FileechoRecordSize(kDefaultSystemsPerArea);
 static_assert(kFileRecSizeDefault == 2539);
 
-#define KS_FILEECHO_OFFSETS(T)                                                                \
-  static_assert(offsetof(T, tag) == 0 && offsetof(T, templateFile) == 41);                    \
-  static_assert(offsetof(T, description) == 54 && offsetof(T, group) == 110);                 \
-  static_assert(offsetof(T, keep) == 113 && offsetof(T, groupUplink) == 115);                 \
-  static_assert(offsetof(T, destination) == 116 && offsetof(T, maxSize) == 217);              \
-  static_assert(offsetof(T, maxFiles) == 219 && offsetof(T, maxDays) == 221);                 \
-  static_assert(offsetof(T, banner) == 223 && offsetof(T, options) == 286);                   \
-  static_assert(offsetof(T, options2) == 288 && offsetof(T, unitCost) == 292);                \
-  static_assert(offsetof(T, addPercent) == 302 && offsetof(T, raidLevel) == 310);             \
+#define KS_FILEECHO_OFFSETS(T)                                                    \
+  static_assert(offsetof(T, tag) == 0 && offsetof(T, templateFile) == 41);        \
+  static_assert(offsetof(T, description) == 54 && offsetof(T, group) == 110);     \
+  static_assert(offsetof(T, keep) == 113 && offsetof(T, groupUplink) == 115);     \
+  static_assert(offsetof(T, destination) == 116 && offsetof(T, maxSize) == 217);  \
+  static_assert(offsetof(T, maxFiles) == 219 && offsetof(T, maxDays) == 221);     \
+  static_assert(offsetof(T, banner) == 223 && offsetof(T, options) == 286);       \
+  static_assert(offsetof(T, options2) == 288 && offsetof(T, unitCost) == 292);    \
+  static_assert(offsetof(T, addPercent) == 302 && offsetof(T, raidLevel) == 310); \
   static_assert(offsetof(T, reserved315) == 315 && offsetof(T, systems) == kFileechoFixedSize)
 KS_FILEECHO_OFFSETS(FileMGRrec);
 static_assert(sizeof(FileMGRrec) == FileechoRecordSize(kMaxSystems));
@@ -181,27 +181,27 @@ static_assert(sizeof(GrpFileMgrRec) == 2565 && offsetof(GrpFileMgrRec, name) == 
 static_assert(sizeof(GrpFileMgrIdx) == 71 && offsetof(GrpFileMgrIdx, recno) == 69);
 
 // Echomail area option word ("options").
-inline constexpr std::uint16_t kEmInactive = 1;     // area temporarily disabled
-inline constexpr std::uint16_t kEmAutoAdded = 2;    // added by KESTRA on its own
-inline constexpr std::uint16_t kEmVisible = 4;      // shown in lists of available areas
-inline constexpr std::uint16_t kEmSecurity = 8;     // only connected systems may send
-inline constexpr std::uint16_t kEmMandatory = 16;   // downlinks may not disconnect
+inline constexpr std::uint16_t kEmInactive = 1;      // area temporarily disabled
+inline constexpr std::uint16_t kEmAutoAdded = 2;     // added by KESTRA on its own
+inline constexpr std::uint16_t kEmVisible = 4;       // shown in lists of available areas
+inline constexpr std::uint16_t kEmSecurity = 8;      // only connected systems may send
+inline constexpr std::uint16_t kEmMandatory = 16;    // downlinks may not disconnect
 inline constexpr std::uint16_t kEmPassThrough = 32;  // not kept in a local message base
 
 #pragma pack(push, 1)
 template <std::size_t Systems>
 struct EchoRecord {
-  PStr<40> tag;                   // 0 area tag; key
+  PStr<40> tag;  // 0 area tag; key
   std::uint8_t reserved41[13] = {};
-  PStr<55> description;           // 54 area description
-  std::uint8_t group = 0;         // 110 group; key
-  MsgArea area;                   // 111 message base of the area
-  PStr<60> origin;                // 194 origin line
-  std::uint8_t useAka = 0;        // 255 index into the system addresses
-  std::uint16_t options = 0;      // 256 kEm...
-  std::uint16_t daysToKeep = 0;   // 258 purge messages older than this, 0 = never
-  std::uint16_t maxMsgs = 0;      // 260 purge above this many messages, 0 = never
-  std::uint8_t uplink = 0;        // 262 AreaMgr uplink the area came from, 0 = none
+  PStr<55> description;          // 54 area description
+  std::uint8_t group = 0;        // 110 group; key
+  MsgArea area;                  // 111 message base of the area
+  PStr<60> origin;               // 194 origin line
+  std::uint8_t useAka = 0;       // 255 index into the system addresses
+  std::uint16_t options = 0;     // 256 kEm...
+  std::uint16_t daysToKeep = 0;  // 258 purge messages older than this, 0 = never
+  std::uint16_t maxMsgs = 0;     // 260 purge above this many messages, 0 = never
+  std::uint8_t uplink = 0;       // 262 AreaMgr uplink the area came from, 0 = none
   std::uint8_t reserved263[704] = {};
   ConnectedSystem systems[Systems];  // 967
 

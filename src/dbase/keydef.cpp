@@ -24,7 +24,8 @@ void KeySet::Declare(std::string_view name, SortType type, std::uint16_t rec_off
 
 std::size_t KeySet::record_extent() const {
   std::size_t end = 0;
-  for (int i = 0; i < count_; ++i) end = std::max<std::size_t>(end, defs_[i].rec_offset + defs_[i].length);
+  for (int i = 0; i < count_; ++i)
+    end = std::max<std::size_t>(end, defs_[i].rec_offset + defs_[i].length);
   return end;
 }
 

@@ -16,7 +16,7 @@ inline constexpr int kMaxKeys = 5;
 inline constexpr std::size_t kMaxRecordSize = 10240;  // the record buffer of the engine
 
 struct KeyDef {
-  char name[21] = {};            // column caption, e.g. "tag"
+  char name[21] = {};  // column caption, e.g. "tag"
   SortType type = Str;
   std::uint16_t rec_offset = 0;  // where the field lies in the record
   std::uint8_t length = 0;       // bytes copied (a string counts its length byte)
@@ -29,8 +29,7 @@ struct KeyDef {
 class KeySet {
  public:
   // Adds a key; a sixth one is ignored. Keys are declared in order, so key numbers are 1..n.
-  void Declare(std::string_view name, SortType type, std::uint16_t rec_offset,
-               std::uint8_t length);
+  void Declare(std::string_view name, SortType type, std::uint16_t rec_offset, std::uint8_t length);
 
   int count() const { return count_; }
   // K: the key bytes of an index entry (the entry is K + 2 bytes).

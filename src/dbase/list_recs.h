@@ -37,18 +37,18 @@ inline constexpr std::size_t kExportSlots = 255;  // systems in an export list
 
 #pragma pack(push, 1)
 struct MagicFileMgrRec {
-  std::uint8_t type = 0;       // 0 "Type": MagicType; key 2
-  PStr<12> mask;               // 1 "File mask"; key 1
-  PStr<40> fromArea;           // 14 "From area": a fileecho tag or "*** ALL ***"
-  PStr<40> toArea;             // 55 "To area"
-  PStr<79> directory;          // 96 "Directory"
-  PStr<127> command;           // 176 "Command": ";" separates several
-  std::int16_t keep = 0;       // 304 "Keep #"
-  std::uint8_t hatchDays = 0;  // 306 "Days": kDaySunday.. bits
-  PStr<20> alias;              // 307 "Alias"
-  PStr<20> password;           // 328 "Password"
-  PStr<12> templateFile;       // 349 "Template"
-  PStr<79> fileSpec;           // 362 "File"
+  std::uint8_t type = 0;          // 0 "Type": MagicType; key 2
+  PStr<12> mask;                  // 1 "File mask"; key 1
+  PStr<40> fromArea;              // 14 "From area": a fileecho tag or "*** ALL ***"
+  PStr<40> toArea;                // 55 "To area"
+  PStr<79> directory;             // 96 "Directory"
+  PStr<127> command;              // 176 "Command": ";" separates several
+  std::int16_t keep = 0;          // 304 "Keep #"
+  std::uint8_t hatchDays = 0;     // 306 "Days": kDaySunday.. bits
+  PStr<20> alias;                 // 307 "Alias"
+  PStr<20> password;              // 328 "Password"
+  PStr<12> templateFile;          // 349 "Template"
+  PStr<79> fileSpec;              // 362 "File"
   NetAddr exports[kExportSlots];  // 442 "Export": zone 0 = free slot, used slots first
   std::uint8_t reserved2482[74] = {};
 };
@@ -60,14 +60,14 @@ struct MagicMGRidx {
 };
 
 struct HatchMGRrec {
-  PStr<40> area;           // 0 "Fileecho area"; key
-  PStr<79> fileSpec;       // 41 "File specification to hatch"
-  PStr<12> replaces;       // 121 "Which file specification to replace"
-  PStr<20> magic;          // 134 magic name for the alias file
-  PStr<80> description;    // 155 "Description of file"
-  std::uint8_t days = 0;   // 236 hatch days: kDaySunday.. bits
-  std::uint8_t always = 0;  // 237 hatch even when the file has not changed
-  std::uint8_t copy = 0;    // 238 copy the file instead of moving it
+  PStr<40> area;              // 0 "Fileecho area"; key
+  PStr<79> fileSpec;          // 41 "File specification to hatch"
+  PStr<12> replaces;          // 121 "Which file specification to replace"
+  PStr<20> magic;             // 134 magic name for the alias file
+  PStr<80> description;       // 155 "Description of file"
+  std::uint8_t days = 0;      // 236 hatch days: kDaySunday.. bits
+  std::uint8_t always = 0;    // 237 hatch even when the file has not changed
+  std::uint8_t copy = 0;      // 238 copy the file instead of moving it
   std::uint8_t inactive = 0;  // 239
   std::uint8_t reserved240[2] = {};
 };
@@ -78,17 +78,17 @@ struct HatchMgrIdx {
 };
 
 struct NewFileMgrRec {
-  GroupSet groups;              // 0 "Groups to include in this report"; key 1
+  GroupSet groups;  // 0 "Groups to include in this report"; key 1
   std::uint8_t reserved32 = 0;
-  std::uint8_t inactive = 0;    // 33 key 2
-  std::uint8_t useAka = 0;      // 34 index into the system addresses
+  std::uint8_t inactive = 0;  // 33 key 2
+  std::uint8_t useAka = 0;    // 34 index into the system addresses
   std::uint8_t reserved35[13] = {};
-  PStr<35> from;                // 48 "Who the report is from"
-  PStr<35> to;                  // 84 "Who the report is to"
-  PStr<72> subject;             // 120 "The subject of the report"
-  MsgArea area;                 // 193 message area the report is written to
-  PStr<60> origin;              // 276 origin line
-  PStr<12> templateFile;        // 337 report template
+  PStr<35> from;                  // 48 "Who the report is from"
+  PStr<35> to;                    // 84 "Who the report is to"
+  PStr<72> subject;               // 120 "The subject of the report"
+  MsgArea area;                   // 193 message area the report is written to
+  PStr<60> origin;                // 276 origin line
+  PStr<12> templateFile;          // 337 report template
   NetAddr exports[kExportSlots];  // 350 netmail export list
   std::uint8_t reserved2390[247] = {};
 };
@@ -100,16 +100,16 @@ struct NewFileMgrIdx {
 };
 
 struct AreaMGRRec {
-  PStr<55> comment;            // 0 "Comment"; key
-  MsgArea scan;                // 56 "Scan"
-  MsgArea reply;               // 139 "Reply": only when different from the scan area
-  PStr<60> origin;             // 222 "Origin"
-  std::uint8_t useAka = 0;     // 283 "Use aka"
+  PStr<55> comment;         // 0 "Comment"; key
+  MsgArea scan;             // 56 "Scan"
+  MsgArea reply;            // 139 "Reply": only when different from the scan area
+  PStr<60> origin;          // 222 "Origin"
+  std::uint8_t useAka = 0;  // 283 "Use aka"
   std::uint8_t reserved284[11] = {};
-  std::uint8_t inactive = 0;   // 295 "InActive"
-  std::int16_t maxFiles = 0;   // 296 "Files": up to 100, 0 = default
-  PStr<12> templateFile;       // 298 "Template"
-  FileAreaSet fileAreas;       // 311 "Fileareas"
+  std::uint8_t inactive = 0;  // 295 "InActive"
+  std::int16_t maxFiles = 0;  // 296 "Files": up to 100, 0 = default
+  PStr<12> templateFile;      // 298 "Template"
+  FileAreaSet fileAreas;      // 311 "Fileareas"
   std::uint8_t reserved8311[89] = {};
 };
 
@@ -131,11 +131,11 @@ struct BbsAreaMgrIdx {
 };
 
 struct AllfilesMgrRec {
-  PStr<40> tag;            // 0 "Tag used to identify this ALLFILES listing"; key
-  PStr<8> templateFile;    // 41 template name, without ".apl"
-  std::uint16_t age = 0;   // 50 days, 0..365, 0 = all
-  PStr<60> listPath;       // 52 "Name and path of the ALLFILES listing"
-  FileAreaSet fileAreas;   // 113 file areas to include
+  PStr<40> tag;           // 0 "Tag used to identify this ALLFILES listing"; key
+  PStr<8> templateFile;   // 41 template name, without ".apl"
+  std::uint16_t age = 0;  // 50 days, 0..365, 0 = all
+  PStr<60> listPath;      // 52 "Name and path of the ALLFILES listing"
+  FileAreaSet fileAreas;  // 113 file areas to include
   std::uint8_t reserved8113[79] = {};
 };
 
@@ -163,7 +163,8 @@ static_assert(sizeof(AreaMgrIdx) == 58);
 static_assert(sizeof(BbsAreaMgrRec) == 8057 && offsetof(BbsAreaMgrRec, group) == 56);
 static_assert(sizeof(BbsAreaMgrIdx) == 59);
 static_assert(sizeof(AllfilesMgrRec) == 8192 && offsetof(AllfilesMgrRec, age) == 50);
-static_assert(offsetof(AllfilesMgrRec, listPath) == 52 && offsetof(AllfilesMgrRec, fileAreas) == 113);
+static_assert(offsetof(AllfilesMgrRec, listPath) == 52 &&
+              offsetof(AllfilesMgrRec, fileAreas) == 113);
 static_assert(sizeof(AllfilesMgrIdx) == 43);
 
 }  // namespace ks

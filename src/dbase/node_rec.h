@@ -13,7 +13,7 @@ namespace ks {
 
 // "File attach status" and "Other mail status".
 enum FlowStatus : std::uint8_t { fsNone, fsHold, fsCrash, fsDirect, fsHoldDirect, fsCrashDirect };
-enum TicFileMode : std::uint8_t { tmNone, tmNormal, tmAdvanced };             // "TIC file mode"
+enum TicFileMode : std::uint8_t { tmNone, tmNormal, tmAdvanced };  // "TIC file mode"
 enum PackingMode : std::uint8_t { pmNoPacking, pmTicFiles, pmAllFiles, pmTicPlusFile };
 enum InternetSend : std::uint8_t { isNothing, isMail, isFiles, isMailAndFiles, isOnHold };
 enum GatewayMode : std::uint8_t { gwNo, gwLocal, gwRerouted, gwLocalAndRerouted };
@@ -32,11 +32,11 @@ inline constexpr std::uint16_t kNodeTicWithFreq = 0x100;
 
 #pragma pack(push, 1)
 struct NodeMGRrec {
-  NetAddr address;                  // 0 "System address"; key
-  PStr<35> sysop;                   // 8 "System Operator"
-  PStr<20> ticPassword;             // 44 "Fileecho password"
-  GroupSet groups;                  // 65 "Authorized groups"
-  std::uint8_t useAka = 0;          // 97 "Use aka": index into the system addresses
+  NetAddr address;                    // 0 "System address"; key
+  PStr<35> sysop;                     // 8 "System Operator"
+  PStr<20> ticPassword;               // 44 "Fileecho password"
+  GroupSet groups;                    // 65 "Authorized groups"
+  std::uint8_t useAka = 0;            // 97 "Use aka": index into the system addresses
   std::uint8_t fileAttachStatus = 0;  // 98 FlowStatus
   std::uint8_t otherMailStatus = 0;   // 99 FlowStatus
   std::uint8_t ticMode = 0;           // 100 TicFileMode
@@ -63,8 +63,8 @@ struct NodeMGRrec {
   Real addPercent = 0;                // 329 "Add %"
   std::uint8_t membership = 0;        // 337 "Membership"
   std::uint8_t reserved338[6] = {};
-  std::uint8_t compressArcmail = 0;   // 344 "Compress ArcMail"
-  Real membershipFee = 0;             // 345 "Membership fee"
+  std::uint8_t compressArcmail = 0;  // 344 "Compress ArcMail"
+  Real membershipFee = 0;            // 345 "Membership fee"
   std::uint8_t reserved353[45] = {};
 
   bool Has(std::uint16_t mask) const { return (options & mask) == mask; }

@@ -17,7 +17,9 @@ std::uint8_t Fold(std::uint8_t c) {
 }  // namespace
 
 TRecordFile::TRecordFile(std::string base, std::size_t record_size, KeySet keys)
-    : base_(std::move(base)), record_size_(record_size), keys_(keys),
+    : base_(std::move(base)),
+      record_size_(record_size),
+      keys_(keys),
       entry_size_(keys.entry_size()) {}
 
 bool TRecordFile::Open(const std::string& dir) {
@@ -113,8 +115,9 @@ void TRecordFile::SortIndex() {
 }
 
 bool TRecordFile::SaveIndex() {
-  return WriteFileAtomic(index_name_, std::string_view(reinterpret_cast<const char*>(index_.data()),
-                                                       static_cast<std::size_t>(count_) * entry_size_));
+  return WriteFileAtomic(index_name_,
+                         std::string_view(reinterpret_cast<const char*>(index_.data()),
+                                          static_cast<std::size_t>(count_) * entry_size_));
 }
 
 bool TRecordFile::AddBytes(const void* record) {
@@ -173,15 +176,18 @@ void TRecordFile::Rebuild() {
   const std::size_t per_chunk = std::max<std::size_t>(1, kChunk / record_size_);
   std::vector<std::uint8_t> chunk(per_chunk * record_size_);
   for (std::uint64_t start = 0; start < records; start += per_chunk) {
-    const std::size_t want = static_cast<std::size_t>(std::min<std::uint64_t>(per_chunk, records - start));
-    const std::size_t got = data_.ReadAt(start * record_size_, chunk.data(), want * record_size_) / record_size_;
+    const std::size_t want =
+        static_cast<std::size_t>(std::min<std::uint64_t>(per_chunk, records - start));
+    const std::size_t got =
+        data_.ReadAt(start * record_size_, chunk.data(), want * record_size_) / record_size_;
     for (std::size_t r = 0; r < got; ++r) {
       const std::uint8_t* rec = &chunk[r * record_size_];
       keys_.MakeKey(rec, entry.data());
       // A string key counts by its length byte, any other key by its bytes.
       const std::uint8_t* f = entry.data() + first.key_offset;
       const bool live = first.type == Str ? f[0] != 0
-                                          : std::any_of(f, f + first.length, [](std::uint8_t b) { return b != 0; });
+                                          : std::any_of(f, f + first.length,
+                                                        [](std::uint8_t b) { return b != 0; });
       if (!live) continue;
       SetEntryRecNo(entry.data(), keys_.length(), static_cast<std::uint16_t>(start + r));
       index_.insert(index_.end(), entry.begin(), entry.end());
@@ -210,7 +216,8 @@ void TRecordFile::Pack() {
     std::size_t length = record_size_;
     if (pack_proc_) pack_proc_(record.data(), length);
     if (length == 0) continue;  // dropped by the pack procedure
-    buffer.insert(buffer.end(), record.begin(), record.begin() + static_cast<std::ptrdiff_t>(record_size_));
+    buffer.insert(buffer.end(), record.begin(),
+                  record.begin() + static_cast<std::ptrdiff_t>(record_size_));
     kept.insert(kept.end(), Entry(i), Entry(i) + entry_size_);
     SetEntryRecNo(&kept[kept.size() - entry_size_], keys_.length(), written++);
     if (buffer.size() >= kChunk || i + 1 == count_) {

@@ -122,14 +122,12 @@ class TKeyedFile : public TRecordFile {
   }
   bool Add(const Rec& rec) { return AddBytes(&rec); }
   bool Update(int i, const Rec& rec) { return UpdateBytes(i, &rec); }
-
 };
 
 using TFAreasFile = TKeyedFile<RecordFileId::kFAreas, FileMGRrec, FileMGRidx, std::string_view>;
 using TNodeFile = TKeyedFile<RecordFileId::kNodes, NodeMGRrec, NodeMGRidx, NetAddr>;
 using TGroupFile = TKeyedFile<RecordFileId::kGroups, GrpFileMgrRec, GrpFileMgrIdx, std::uint8_t>;
-using TMagicFile =
-    TKeyedFile<RecordFileId::kMagic, MagicFileMgrRec, MagicMGRidx, std::string_view>;
+using TMagicFile = TKeyedFile<RecordFileId::kMagic, MagicFileMgrRec, MagicMGRidx, std::string_view>;
 using THatchFile = TKeyedFile<RecordFileId::kHatch, HatchMGRrec, HatchMgrIdx, std::string_view>;
 using TReportFile = TKeyedFile<RecordFileId::kReports, NewFileMgrRec, NewFileMgrIdx, GroupSet>;
 using TBBSAreasFile =

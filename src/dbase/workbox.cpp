@@ -19,7 +19,8 @@ WorkBox::WorkBox(const char* title, const char* line) {
 
 void WorkBox::Progress(std::uint64_t done, std::uint64_t total) {
   if (!dialog_) return;
-  const int percent = total == 0 ? 100 : static_cast<int>(std::min<std::uint64_t>(done, total) * 100 / total);
+  const int percent =
+      total == 0 ? 100 : static_cast<int>(std::min<std::uint64_t>(done, total) * 100 / total);
   if (percent == shown_) return;
   shown_ = percent;
   const int filled = percent * kBarWidth / 100;

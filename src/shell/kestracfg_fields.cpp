@@ -7,7 +7,6 @@
 namespace ks {
 namespace {
 
-
 #define F(m) KS_FIELD(KESTRAcfg, m)
 #define R(m) KS_RESERVED(KESTRAcfg, m)
 constexpr std::array kTopLevel = {

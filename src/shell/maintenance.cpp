@@ -46,8 +46,9 @@ int RunMaintenance(const std::string& dir, bool index, std::size_t systems,
       if (!file.Open(dir)) continue;
     }
     if (!index) {
-      const PackProc proc =
-          step.file == RecordFileId::kMAreas ? EchomailPackProc(echomail_option, systems) : PackProc{};
+      const PackProc proc = step.file == RecordFileId::kMAreas
+                                ? EchomailPackProc(echomail_option, systems)
+                                : PackProc{};
       // A failed pack has put the old data file back; its index still fits it.
       if (!PackDataFile(dir, def.base, size, def.keys, proc)) continue;
     }

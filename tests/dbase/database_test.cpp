@@ -71,8 +71,8 @@ TEST_F(DataBaseTest, InsertAppendsTheRecordAndPutsItsEntryBeforeTheFirstNotLess)
   ASSERT_TRUE(db_.Insert(Rec("X", 1).data()));
   ASSERT_TRUE(db_.Insert(Rec("M", 1).data()));  // an equal key goes in front of the old one
   EXPECT_EQ(db_.current(), 1);
-  EXPECT_EQ(Index(), Concat({Entry("C", 1, 1), Entry("M", 1, 3), Entry("M", 1, 0),
-                             Entry("X", 1, 2)}));
+  EXPECT_EQ(Index(),
+            Concat({Entry("C", 1, 1), Entry("M", 1, 3), Entry("M", 1, 0), Entry("X", 1, 2)}));
   EXPECT_EQ(Read("LIST.KSX").size(), 4 * kSize);
   Bytes rec(kSize);
   ASSERT_TRUE(db_.ReadRecord(3, rec.data()));
@@ -93,7 +93,7 @@ TEST_F(DataBaseTest, DuplicatesAreEqualFromTheActiveKeyOnExceptTheEntryBeingEdit
   EXPECT_FALSE(db_.IsDuplicate(Rec("FILES", 2).data(), -1));  // same tag, other group
   EXPECT_TRUE(db_.IsDuplicate(Rec("FILES", 1).data(), -1));
   EXPECT_TRUE(db_.IsDuplicate(Rec("FILES", 1, 0x55).data(), -1));  // other bytes don't count
-  EXPECT_FALSE(db_.IsDuplicate(Rec("FILES", 1).data(), 0));  // editing that very entry
+  EXPECT_FALSE(db_.IsDuplicate(Rec("FILES", 1).data(), 0));        // editing that very entry
   // From key 2 on only the group counts.
   db_.set_active_key(2);
   EXPECT_TRUE(db_.IsDuplicate(Rec("NEW", 2).data(), -1));
@@ -129,11 +129,11 @@ TEST_F(DataBaseTest, RewriteKeepsTheRecordInPlaceAndMovesItsEntry) {
   for (const char* tag : {"A", "B", "C", "D"}) ASSERT_TRUE(db_.Insert(Rec(tag, 1).data()));
   ASSERT_TRUE(db_.Rewrite(0, Rec("CC", 1).data()));
   EXPECT_EQ(db_.current(), 2);
-  EXPECT_EQ(Index(), Concat({Entry("B", 1, 1), Entry("C", 1, 2), Entry("CC", 1, 0),
-                             Entry("D", 1, 3)}));
+  EXPECT_EQ(Index(),
+            Concat({Entry("B", 1, 1), Entry("C", 1, 2), Entry("CC", 1, 0), Entry("D", 1, 3)}));
   ASSERT_TRUE(db_.Rewrite(3, Rec("A", 1).data()));
-  EXPECT_EQ(Index(), Concat({Entry("A", 1, 3), Entry("B", 1, 1), Entry("C", 1, 2),
-                             Entry("CC", 1, 0)}));
+  EXPECT_EQ(Index(),
+            Concat({Entry("A", 1, 3), Entry("B", 1, 1), Entry("C", 1, 2), Entry("CC", 1, 0)}));
   // A hot-key change writes the record and leaves the index alone.
   ASSERT_TRUE(db_.WriteInPlace(0, Rec("ZZ", 1).data()));
   const Bytes index = Index();

@@ -26,7 +26,9 @@ Key TagKey(const char* tag, std::uint8_t group, std::uint8_t filler = 0) {
   return k;
 }
 
-int Sign(int v) { return (v > 0) - (v < 0); }
+int Sign(int v) {
+  return (v > 0) - (v < 0);
+}
 
 TEST(KeyDef, DeclarationsRunTheKeyOffsetsAndIgnoreASixthKey) {
   KeySet k;

@@ -51,7 +51,9 @@ Bytes Cat(std::initializer_list<Bytes> parts) {
 class MaintainTest : public test::PairTest {
  protected:
   bool Build() { return BuildIndex(dir_.path(), "PAIR", kSize, Keys()); }
-  bool Pack(const PackProc& proc = {}) { return PackDataFile(dir_.path(), "PAIR", kSize, Keys(), proc); }
+  bool Pack(const PackProc& proc = {}) {
+    return PackDataFile(dir_.path(), "PAIR", kSize, Keys(), proc);
+  }
 };
 
 TEST_F(MaintainTest, BuildIndexSortsTheKeysAndLeavesOutAllZeroKeys) {
@@ -110,7 +112,8 @@ TEST_F(MaintainTest, APackThatRunsOutOfDiskPutsTheOldDataFileBack) {
   Bytes data;
   for (int i = 0; i < 200; ++i) data = Cat({data, Rec("R", static_cast<std::uint8_t>(i))});
   Bytes index;
-  for (int i = 0; i < 200; ++i) index = Cat({index, Entry("R", static_cast<std::uint8_t>(i), static_cast<std::uint16_t>(i))});
+  for (int i = 0; i < 200; ++i)
+    index = Cat({index, Entry("R", static_cast<std::uint8_t>(i), static_cast<std::uint16_t>(i))});
   WriteBytes("PAIR.KSX", data);
   WriteBytes("PAIR.IDX", index);
   {
@@ -142,8 +145,10 @@ TEST(SortIndexEntries, SortsLargeInputsAndSurvivesAnAdversarialOrder) {
   for (int pass = 0; pass < 2; ++pass) {
     Bytes e;
     for (std::size_t i = 0; i < n; ++i) {
-      const std::uint16_t key = pass == 0 ? keys[i] : static_cast<std::uint16_t>(std::min(i, n - 1 - i));
-      e.insert(e.end(), {static_cast<std::uint8_t>(key), static_cast<std::uint8_t>(key >> 8), 0, 0});
+      const std::uint16_t key =
+          pass == 0 ? keys[i] : static_cast<std::uint16_t>(std::min(i, n - 1 - i));
+      e.insert(e.end(),
+               {static_cast<std::uint8_t>(key), static_cast<std::uint8_t>(key >> 8), 0, 0});
     }
     SortIndexEntries(e, k);
     for (std::size_t i = 1; i < n; ++i)

@@ -35,9 +35,6 @@ class RecordFileTest : public test::PairTest {
   TFAreasFile fa_;
 };
 
-
-
-
 TEST_F(RecordFileTest, AClosedFileAnswersEverythingEmptyOrFalse) {
   FileMGRrec rec = Fileecho("X", 1);
   EXPECT_FALSE(fa_.Open(dir_.path()));  // neither file exists

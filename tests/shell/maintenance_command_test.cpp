@@ -44,7 +44,7 @@ TEST_F(MaintenanceCommandTest, IndexRebuildsThePairsThatOpenAndSkipsTheOthers) {
   HatchMGRrec hatch{};
   hatch.area = "A";
   WriteRecords<HatchMGRrec>("HATCH.KSX", {hatch}, sizeof hatch);  // no HATCH.IDX: skipped
-  EXPECT_EQ(Run({"Index", "Pack"}, ""), 0);  // Index wins over Pack
+  EXPECT_EQ(Run({"Index", "Pack"}, ""), 0);                       // Index wins over Pack
   EXPECT_EQ(Size("FAREAS.IDX"), 2 * sizeof(FileMGRidx));
   EXPECT_EQ(Size("FAREAS.KSX"), 2 * size);
   const std::string idx = *ReadWholeFile(dir_ / "FAREAS.IDX");

@@ -104,6 +104,16 @@ std::string FindHelpDir(const AppEnv& env, const std::string& exe_path) {
   return exe_path;
 }
 
+// The main menu with the tables its screens consult loaded for its lifetime.
+void RunMenuWithTables() {
+  Program& p = prog();
+  p.group_table = LoadGroupTable(p.DataDir());
+  struct Release {
+    ~Release() { prog().group_table.clear(); }
+  } release;
+  RunMainMenu();
+}
+
 }  // namespace
 
 int RunKsetup(const AppEnv& env) {
@@ -162,7 +172,7 @@ int RunKsetup(const AppEnv& env) {
       if (p.do_index || p.do_pack)
         RunMaintenance(p.exe_path, p.do_index, cfg.numberOfSystems, cfg.echoMailOption);
       else
-        RunMainMenu();
+        RunMenuWithTables();
     } catch (const ProgramHalt& halt) {
       status = halt.status;
     }

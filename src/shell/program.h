@@ -3,7 +3,9 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "dbase/grouptable.h"
 #include "shell/kestracfg.h"
 
 namespace ks {
@@ -19,6 +21,8 @@ struct Program {
   std::unique_ptr<KESTRAcfg> cfg;  // the configuration, edited in place by every screen
   std::string work_dir;            // where temporary files go
   std::string help_dir;            // where KESTRA.DOC and KS_DOC.IDX were found
+  // The groups, one entry per GRPFILE record, loaded while the main menu runs.
+  std::vector<GroupTableEntry> group_table;
 
   std::string SetupPath() const { return exe_path + setup_name; }
   // The directory of the record files: the configured data path, or the program directory.

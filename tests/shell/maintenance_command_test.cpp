@@ -6,6 +6,7 @@
 #include "dbase/fileecho_rec.h"
 #include "dbase/list_recs.h"
 #include "shell/cfgdefaults.h"
+#include "shell/program.h"
 
 namespace ks {
 namespace {
@@ -79,6 +80,23 @@ TEST_F(MaintenanceCommandTest, PackDropsDeletedRecordsAndHandsTheEchomailOptionO
   EXPECT_EQ(ReadWholeFile(dir_ / "MAREAS.KSX")->substr(1, 6), "LINKED");
   EXPECT_EQ(Size("MAREAS.IDX"), sizeof(EchoMgrIdx));
   EXPECT_FALSE(dir_.Has("FAREAS.$$$"));
+}
+
+TEST_F(MaintenanceCommandTest, TheMenuRunsWithTheGroupTableLoadedAndReleasesIt) {
+  GrpFileMgrRec groups[2] = {};
+  groups[0].fileecho.group = 7;
+  groups[0].name = "Seven";
+  groups[1].fileecho.group = 3;
+  groups[1].name = "Three";
+  WriteRecords<GrpFileMgrRec>("GRPFILE.KSX", {groups[0], groups[1]}, sizeof(GrpFileMgrRec));
+  std::vector<GroupTableEntry> seen;
+  menu_actions().main[kSystemData] = [&] { seen = prog().group_table; };
+  EXPECT_EQ(Run({}, "<Enter><F9>"), 0);
+  ASSERT_EQ(seen.size(), 2u);
+  EXPECT_EQ(seen[0].group, 7);
+  EXPECT_EQ(seen[1].name, "Three");
+  EXPECT_FALSE(seen[1].deleted);
+  EXPECT_TRUE(prog().group_table.empty());
 }
 
 }  // namespace

@@ -244,41 +244,36 @@ bool BuildIndex(const std::string& dir, const std::string& base, std::size_t rec
   WorkBox box("Building index files", "    Please wait     ");
   const std::string data_name = DataFileName(dir, base);
   const std::string index_name = IndexFileName(dir, base);
-  RawFile data;
-  if (!data.Open(data_name, RawFile::Mode::kReadWrite) &&
-      !data.Open(data_name, RawFile::Mode::kCreate))
-    return false;
-  const std::uint64_t size = data.Size().value_or(0);
+  if (!FileExists(data_name)) {
+    RawFile created;
+    if (!created.Open(data_name, RawFile::Mode::kCreate)) return false;
+  }
+  // The data file is mapped: only the bytes of the key fields are ever touched.
+  MappedFile data;
+  if (!data.Map(data_name)) return false;
+  const std::uint64_t size = data.size();
   const std::uint64_t records = std::min<std::uint64_t>(size / record_size, kMaxRecords);
 
   const std::size_t k = keys.length(), e = keys.entry_size();
   std::vector<std::uint8_t> entries;
   entries.reserve(static_cast<std::size_t>(records) * e);
   std::vector<std::uint8_t> entry(e);
-  const std::size_t per_chunk = std::max<std::size_t>(1, kChunk / record_size);
-  std::vector<std::uint8_t> chunk(per_chunk * record_size);
-  for (std::uint64_t first = 0; first < records; first += per_chunk) {
-    const std::size_t want =
-        static_cast<std::size_t>(std::min<std::uint64_t>(per_chunk, records - first));
-    const std::size_t got =
-        data.ReadAt(first * record_size, chunk.data(), want * record_size) / record_size;
-    for (std::size_t i = 0; i < got; ++i) {
-      std::memset(entry.data(), 0, e);
-      keys.MakeKey(&chunk[i * record_size], entry.data());
-      if (keys.KeyEmpty(entry.data())) continue;  // a deleted record
-      SetEntryRecNo(entry.data(), k, static_cast<std::uint16_t>(first + i));
+  for (std::uint64_t r = 0; r < records; ++r) {
+    std::memset(entry.data(), 0, e);
+    keys.MakeKey(data.data() + r * record_size, entry.data());
+    if (!keys.KeyEmpty(entry.data())) {  // all-zero keys mark a deleted record
+      SetEntryRecNo(entry.data(), k, static_cast<std::uint16_t>(r));
       entries.insert(entries.end(), entry.begin(), entry.end());
     }
-    box.Progress(first + want, records);
-    if (got < want) break;
+    if (r % 1024 == 0) box.Progress(r, records);
   }
+  box.Progress(records, records);
   {
     WorkBox sorting("Sorting index files", "    Please wait    ");
     SortIndexEntries(entries, keys);
     sorting.Progress(1, 1);
   }
   const bool ok = WriteIndexFile(index_name, entries);
-  data.Close();
   if (size == 0) {
     ::unlink(data_name.c_str());
     ::unlink(index_name.c_str());

@@ -1,6 +1,8 @@
 #include "shell/maintenance.h"
 
+#include "common/fileutil.h"
 #include "dbase/maintain.h"
+#include "dbase/rawfile.h"
 #include "dbase/recordfile.h"
 #include "tui/ui.h"
 
@@ -41,10 +43,12 @@ int RunMaintenance(const std::string& dir, bool index, std::size_t systems,
     }
     const RecordFileDef& def = FileDef(step.file);
     const std::size_t size = def.RecordSize(systems);
-    {
-      TRecordFile file(def.base, size, def.keys);
-      if (!file.Open(dir)) continue;
-    }
+    // A pair opens when both files are there and the data file can be opened for writing.
+    RawFile data;
+    if (!FileExists(IndexFileName(dir, def.base)) ||
+        !data.Open(DataFileName(dir, def.base), RawFile::Mode::kReadWrite))
+      continue;
+    data.Close();
     if (!index) {
       const PackProc proc = step.file == RecordFileId::kMAreas
                                 ? EchomailPackProc(echomail_option, systems)

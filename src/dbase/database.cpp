@@ -186,8 +186,14 @@ bool ksDataBase::Remove(int pos) {
   return RemoveEntry(pos);
 }
 
+bool ksDataBase::HasRecord(int pos) const {
+  return is_open() && Key(pos) &&
+         (std::uint64_t{RecNo(pos)} + 1) * record_size_ <= data_.Size().value_or(0);
+}
+
 bool ksDataBase::Rewrite(int pos, const std::uint8_t* record) {
-  if (!is_open() || !Key(pos)) return false;
+  // An entry of a damaged index may point past the data; nothing is written through it.
+  if (!HasRecord(pos)) return false;
   const std::uint16_t recno = RecNo(pos);
   if (!data_.WriteAt(std::uint64_t{recno} * record_size_, record, record_size_)) return false;
   // Take the entry out and put it back where its key now belongs; only the entries between
@@ -205,7 +211,7 @@ bool ksDataBase::Rewrite(int pos, const std::uint8_t* record) {
 }
 
 bool ksDataBase::WriteInPlace(int pos, const std::uint8_t* record) {
-  if (!is_open() || !Key(pos)) return false;
+  if (!HasRecord(pos)) return false;
   return data_.WriteAt(std::uint64_t{RecNo(pos)} * record_size_, record, record_size_);
 }
 

@@ -54,6 +54,8 @@ class ksDataBase {
   // Reads entry `pos`'s record into `record` (record_size() bytes); false when out of range or
   // the data file has no whole record there.
   bool ReadRecord(int pos, std::uint8_t* record) const;
+  // True when entry `pos` refers to a whole record of the data file.
+  bool HasRecord(int pos) const;
 
   // Appends `record` to the data file and inserts its entry in front of the first entry that
   // is not less (active key); the new entry becomes current.

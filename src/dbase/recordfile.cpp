@@ -145,7 +145,9 @@ bool TRecordFile::UpdateBytes(int i, const void* record) {
   keys_.MakeKey(rec, key.data());
   const bool key_changed = CompareFirstKey(Entry(i), key.data()) != 0;
   const std::uint64_t at = std::uint64_t{EntryRecNo(Entry(i), keys_.length())} * record_size_;
-  if (!data_.WriteAt(at, record, record_size_)) return false;
+  // An entry of a damaged index may point past the data; nothing is written through it.
+  if (at + record_size_ > data_.Size().value_or(0) || !data_.WriteAt(at, record, record_size_))
+    return false;
   const std::vector<std::uint8_t> before(index_);
   // The first key is copied only when it changed (not for a change of letter case alone);
   // the other key fields, such as a fileecho's group, always.

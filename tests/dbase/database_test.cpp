@@ -204,6 +204,20 @@ TEST_F(DataBaseTest, AFullDiskLeavesThePreviousRecordsAndIndexReadable) {
   EXPECT_EQ(db_.count(), 2);
 }
 
+TEST_F(DataBaseTest, AnEntryPointingPastTheDataIsNeverWrittenThrough) {
+  WriteBytes("LIST.KSX", Rec("A", 1));
+  WriteBytes("LIST.IDX", Concat({Entry("A", 1, 0), Entry("B", 1, 60000)}));
+  ASSERT_EQ(Open(), ksDataBase::OpenResult::kOk);
+  Bytes rec(kSize);
+  EXPECT_FALSE(db_.ReadRecord(1, rec.data()));
+  EXPECT_FALSE(db_.HasRecord(1));
+  EXPECT_FALSE(db_.Rewrite(1, Rec("B", 1).data()));
+  EXPECT_FALSE(db_.WriteInPlace(1, Rec("B", 1).data()));
+  EXPECT_TRUE(db_.Remove(1));  // the entry goes; there is no record to clear
+  EXPECT_EQ(ReadBytes("LIST.KSX"), Rec("A", 1));
+  EXPECT_EQ(Index(), Entry("A", 1, 0));
+}
+
 TEST_F(DataBaseTest, TooLargeARecordIsAProgrammingError) {
   EXPECT_THROW(ksDataBase("BIG", kMaxRecordSize + 1, TagGroup()), std::logic_error);
   EXPECT_NO_THROW(ksDataBase("BIG", kMaxRecordSize, TagGroup()));

@@ -87,7 +87,8 @@ TEST(CfgDefaults, DependentDefaultsFillAZeroRecord) {
   KESTRAcfg rec{};
   FillDependentDefaults(rec);
   EXPECT_EQ(At<std::uint32_t>(rec, 15456), 1u);
-  EXPECT_EQ(rec.minHdSpace, 100);
+  // A packed field that is not aligned is copied before gtest takes it by reference.
+  EXPECT_EQ(std::uint16_t{rec.minHdSpace}, 100);
   EXPECT_EQ(rec.longDescChar, '+');
   EXPECT_EQ(rec.reRequestRate, 7);
   EXPECT_EQ(rec.internet.resendDelay, 7);

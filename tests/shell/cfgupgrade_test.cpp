@@ -225,8 +225,9 @@ TEST(CfgUpgrade, FromRevision1EveryStepRuns) {
   EXPECT_EQ(rec.internet.spoolAgeDays, 14);
   EXPECT_TRUE(rec.internet.address.empty());
   EXPECT_EQ(rec.reRequestRate, 7);
-  EXPECT_EQ(rec.requestProcessor.unlisted.maxFiles, 5);
-  EXPECT_EQ(rec.requestProcessor.secure.maxSizeKb, 0u);
+  // Packed fields that are not aligned are copied before gtest takes them by reference.
+  EXPECT_EQ(std::uint16_t{rec.requestProcessor.unlisted.maxFiles}, 5);
+  EXPECT_EQ(std::uint32_t{rec.requestProcessor.secure.maxSizeKb}, 0u);
   EXPECT_EQ(rec.longDescChar, '+');
   EXPECT_EQ(rec.eacErrorErrorlevel, 1);
   EXPECT_TRUE(rec.filterString.empty());

@@ -49,7 +49,7 @@ test: build
 test-sanitize: deps
 	@test -f $(ASAN_BUILD)/build.ninja || CC=gcc CXX=g++ cmake -S . -B $(ASAN_BUILD) -G Ninja \
 	  -DKS_SANITIZE=ON -DKS_WERROR=ON -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-O1 -g1"
-	cmake --build $(ASAN_BUILD)
+	cmake --build $(ASAN_BUILD) --target ks_tests ksetup mkdemo helpdoc
 	ctest --test-dir $(ASAN_BUILD) --output-on-failure -j2
 
 # The record database's fuzz target for $(FUZZ_TIME) seconds, starting from fuzz/corpus/. New

@@ -201,8 +201,8 @@ TEST(RecordLayout, GroupRecordStartsWithTheDefaultsOfItsFileechos) {
               FileDef(RecordFileId::kFAreas).RecordSize());
   EXPECT_EQ(fe->tag.str(), "PDN*");
   EXPECT_EQ(fe->group, 12);
-  EXPECT_EQ(fe->keep, -1);
-  EXPECT_EQ(fe->maxFiles, 1000);
+  EXPECT_EQ(fe->keep + 0, -1);
+  EXPECT_EQ(fe->maxFiles + 0, 1000);
   EXPECT_EQ(fe->groupUplink, 3);
   EXPECT_EQ(fe->systems[0].address, (NetAddr{2, 280, 5555, 0}));
   EXPECT_EQ(fe->systems[199].address, (NetAddr{1, 2, 3, 4}));

@@ -51,7 +51,7 @@ TEST_F(RecordFileTest, AClosedFileAnswersEverythingEmptyOrFalse) {
   fa_.Pack();
   const FileMGRidx idx = fa_.GetIndex(0);
   EXPECT_EQ(idx.tag.len, 0);
-  EXPECT_EQ(idx.recno, 0);
+  EXPECT_EQ(+idx.recno, 0);
   EXPECT_FALSE(dir_.Has("FAREAS.IDX"));
 }
 
@@ -70,7 +70,7 @@ TEST_F(RecordFileTest, FindFoldsLettersWhileTheGenericEngineSortsThemApart) {
   ASSERT_TRUE(fa_.ReadRecord(fa_.Find("Zeta"), rec));
   EXPECT_EQ(rec.description.str(), "about zeta");
   EXPECT_EQ(fa_.GetIndex(2).group, 1);
-  EXPECT_EQ(fa_.GetIndex(5).recno, 0);  // past the end: a zeroed entry
+  EXPECT_EQ(fa_.GetIndex(5).recno + 0, 0);  // past the end: a zeroed entry
 
   // The files are the common format: the list editor's engine reads them, byte-ordered.
   fa_.Close();
@@ -104,7 +104,7 @@ TEST_F(RecordFileTest, EqualKeysKeepTheirOrderAndAnUpdateResortsOnlyWhenTheKeyCh
   fa_.Close();
   ASSERT_TRUE(fa_.Open(dir_.path()));  // saved to disk after every change
   EXPECT_EQ(IndexTags(), (Tags{"SAME", "same", "ZZ"}));
-  EXPECT_EQ(fa_.GetIndex(2).recno, 1);
+  EXPECT_EQ(fa_.GetIndex(2).recno + 0, 1);
 }
 
 TEST_F(RecordFileTest, ADeletedRecordComesBackWithRebuildAndGoesForGoodWithPack) {
@@ -123,7 +123,7 @@ TEST_F(RecordFileTest, ADeletedRecordComesBackWithRebuildAndGoesForGoodWithPack)
   EXPECT_FALSE(dir_.Has("FAREAS.$$$"));
   fa_.Rebuild();
   EXPECT_EQ(IndexTags(), (Tags{"B", "C"}));
-  EXPECT_EQ(fa_.GetIndex(0).recno, 0);
+  EXPECT_EQ(fa_.GetIndex(0).recno + 0, 0);
   FileMGRrec rec;
   ASSERT_TRUE(fa_.ReadRecord(1, rec));
   EXPECT_EQ(rec.tag.str(), "C");
@@ -155,8 +155,8 @@ TEST_F(RecordFileTest, FileechoRecordsFollowTheConfiguredNumberOfSystems) {
   EXPECT_EQ(Read("FAREAS.KSX").size(), FileechoRecordSize(10));
   FileMGRrec back;
   ASSERT_TRUE(small.ReadRecord(0, back));
-  EXPECT_EQ(back.systems[9].address.zone, 2);
-  EXPECT_EQ(back.systems[10].address.zone, 0);
+  EXPECT_EQ(back.systems[9].address.zone + 0, 2);
+  EXPECT_EQ(back.systems[10].address.zone + 0, 0);
 }
 
 TEST_F(RecordFileTest, NodesAreFoundByAddressAndOrderedByWords) {

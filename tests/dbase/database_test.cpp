@@ -17,40 +17,11 @@ namespace {
 using test::Bytes;
 
 constexpr std::size_t kSize = 32;
-
-KeySet TagGroup() {
-  KeySet k;
-  k.Declare("tag", Str, 0, 6);
-  k.Declare("group", Int, 10, 1);
-  return k;
-}
-
-Bytes Rec(const std::string& tag, std::uint8_t group, std::uint8_t fill = 0) {
-  Bytes r(kSize, fill);
-  test::PutStr(r, 0, tag);
-  r[10] = group;
-  return r;
-}
-
-// The index entry of a record: tag field, group, record number.
-Bytes Entry(const std::string& tag, std::uint8_t group, std::uint16_t recno) {
-  Bytes e(9, 0);
-  test::PutStr(e, 0, tag);
-  e[6] = group;
-  e[7] = static_cast<std::uint8_t>(recno & 0xFF);
-  e[8] = static_cast<std::uint8_t>(recno >> 8);
-  return e;
-}
-
-Bytes Concat(std::initializer_list<Bytes> parts) {
-  Bytes out;
-  for (const auto& p : parts) out.insert(out.end(), p.begin(), p.end());
-  return out;
-}
+const test::TagByteLayout L{kSize, 6, 10};
 
 class DataBaseTest : public test::PairTest {
  protected:
-  ksDataBase db_{"LIST", kSize, TagGroup()};
+  ksDataBase db_{"LIST", kSize, L.Keys()};
   ksDataBase::OpenResult Open() { return db_.Open(dir_.path()); }
   Bytes Index() const { return ReadBytes("LIST.IDX"); }
 };
@@ -66,17 +37,17 @@ TEST_F(DataBaseTest, ANewListCreatesBothFilesEmpty) {
 TEST_F(DataBaseTest, InsertAppendsTheRecordAndPutsItsEntryBeforeTheFirstNotLess) {
   ASSERT_EQ(Open(), ksDataBase::OpenResult::kOk);
   db_.unique = false;
-  ASSERT_TRUE(db_.Insert(Rec("M", 1).data()));
-  ASSERT_TRUE(db_.Insert(Rec("C", 1).data()));
-  ASSERT_TRUE(db_.Insert(Rec("X", 1).data()));
-  ASSERT_TRUE(db_.Insert(Rec("M", 1).data()));  // an equal key goes in front of the old one
+  ASSERT_TRUE(db_.Insert(L.Rec("M", 1).data()));
+  ASSERT_TRUE(db_.Insert(L.Rec("C", 1).data()));
+  ASSERT_TRUE(db_.Insert(L.Rec("X", 1).data()));
+  ASSERT_TRUE(db_.Insert(L.Rec("M", 1).data()));  // an equal key goes in front of the old one
   EXPECT_EQ(db_.current(), 1);
-  EXPECT_EQ(Index(),
-            Concat({Entry("C", 1, 1), Entry("M", 1, 3), Entry("M", 1, 0), Entry("X", 1, 2)}));
+  EXPECT_EQ(Index(), test::Concat({L.Entry("C", 1, 1), L.Entry("M", 1, 3), L.Entry("M", 1, 0),
+                                   L.Entry("X", 1, 2)}));
   EXPECT_EQ(Read("LIST.KSX").size(), 4 * kSize);
   Bytes rec(kSize);
   ASSERT_TRUE(db_.ReadRecord(3, rec.data()));
-  EXPECT_EQ(rec, Rec("X", 1));
+  EXPECT_EQ(rec, L.Rec("X", 1));
 
   // What was written reads back the same after a reopen.
   db_.Close();
@@ -88,23 +59,23 @@ TEST_F(DataBaseTest, InsertAppendsTheRecordAndPutsItsEntryBeforeTheFirstNotLess)
 
 TEST_F(DataBaseTest, DuplicatesAreEqualFromTheActiveKeyOnExceptTheEntryBeingEdited) {
   ASSERT_EQ(Open(), ksDataBase::OpenResult::kOk);
-  ASSERT_TRUE(db_.Insert(Rec("FILES", 1).data()));
-  ASSERT_TRUE(db_.Insert(Rec("OTHER", 2).data()));
-  EXPECT_FALSE(db_.IsDuplicate(Rec("FILES", 2).data(), -1));  // same tag, other group
-  EXPECT_TRUE(db_.IsDuplicate(Rec("FILES", 1).data(), -1));
-  EXPECT_TRUE(db_.IsDuplicate(Rec("FILES", 1, 0x55).data(), -1));  // other bytes don't count
-  EXPECT_FALSE(db_.IsDuplicate(Rec("FILES", 1).data(), 0));        // editing that very entry
+  ASSERT_TRUE(db_.Insert(L.Rec("FILES", 1).data()));
+  ASSERT_TRUE(db_.Insert(L.Rec("OTHER", 2).data()));
+  EXPECT_FALSE(db_.IsDuplicate(L.Rec("FILES", 2).data(), -1));  // same tag, other group
+  EXPECT_TRUE(db_.IsDuplicate(L.Rec("FILES", 1).data(), -1));
+  EXPECT_TRUE(db_.IsDuplicate(L.Rec("FILES", 1, 0x55).data(), -1));  // other bytes don't count
+  EXPECT_FALSE(db_.IsDuplicate(L.Rec("FILES", 1).data(), 0));        // editing that very entry
   // From key 2 on only the group counts.
   db_.set_active_key(2);
-  EXPECT_TRUE(db_.IsDuplicate(Rec("NEW", 2).data(), -1));
+  EXPECT_TRUE(db_.IsDuplicate(L.Rec("NEW", 2).data(), -1));
   db_.unique = false;
-  EXPECT_FALSE(db_.IsDuplicate(Rec("FILES", 1).data(), -1));
+  EXPECT_FALSE(db_.IsDuplicate(L.Rec("FILES", 1).data(), -1));
 }
 
 TEST_F(DataBaseTest, RemoveZeroesTheKeyInTheRecordSoNoRebuildBringsItBack) {
   ASSERT_EQ(Open(), ksDataBase::OpenResult::kOk);
   for (const char* tag : {"A", "B", "C"}) {
-    Bytes r = Rec(tag, 7);
+    Bytes r = L.Rec(tag, 7);
     r[20] = 0x11;
     ASSERT_TRUE(db_.Insert(r.data()));
   }
@@ -112,7 +83,7 @@ TEST_F(DataBaseTest, RemoveZeroesTheKeyInTheRecordSoNoRebuildBringsItBack) {
   ASSERT_TRUE(db_.Remove(2));
   EXPECT_EQ(db_.current(), 1);  // clamped to the new last entry
   ASSERT_TRUE(db_.Remove(0));
-  EXPECT_EQ(Index(), Entry("B", 7, 1));
+  EXPECT_EQ(Index(), L.Entry("B", 7, 1));
   const Bytes data = ReadBytes("LIST.KSX");
   ASSERT_EQ(data.size(), 3 * kSize);
   // The removed records keep their other bytes but lose their key fields.
@@ -120,43 +91,43 @@ TEST_F(DataBaseTest, RemoveZeroesTheKeyInTheRecordSoNoRebuildBringsItBack) {
   removed[20] = 0x11;
   EXPECT_EQ(Bytes(data.begin(), data.begin() + kSize), removed);
   db_.Close();
-  ASSERT_TRUE(BuildIndex(dir_.path(), "LIST", kSize, TagGroup()));
-  EXPECT_EQ(Index(), Entry("B", 7, 1));
+  ASSERT_TRUE(BuildIndex(dir_.path(), "LIST", kSize, L.Keys()));
+  EXPECT_EQ(Index(), L.Entry("B", 7, 1));
 }
 
 TEST_F(DataBaseTest, RewriteKeepsTheRecordInPlaceAndMovesItsEntry) {
   ASSERT_EQ(Open(), ksDataBase::OpenResult::kOk);
-  for (const char* tag : {"A", "B", "C", "D"}) ASSERT_TRUE(db_.Insert(Rec(tag, 1).data()));
-  ASSERT_TRUE(db_.Rewrite(0, Rec("CC", 1).data()));
+  for (const char* tag : {"A", "B", "C", "D"}) ASSERT_TRUE(db_.Insert(L.Rec(tag, 1).data()));
+  ASSERT_TRUE(db_.Rewrite(0, L.Rec("CC", 1).data()));
   EXPECT_EQ(db_.current(), 2);
-  EXPECT_EQ(Index(),
-            Concat({Entry("B", 1, 1), Entry("C", 1, 2), Entry("CC", 1, 0), Entry("D", 1, 3)}));
-  ASSERT_TRUE(db_.Rewrite(3, Rec("A", 1).data()));
-  EXPECT_EQ(Index(),
-            Concat({Entry("A", 1, 3), Entry("B", 1, 1), Entry("C", 1, 2), Entry("CC", 1, 0)}));
+  EXPECT_EQ(Index(), test::Concat({L.Entry("B", 1, 1), L.Entry("C", 1, 2), L.Entry("CC", 1, 0),
+                                   L.Entry("D", 1, 3)}));
+  ASSERT_TRUE(db_.Rewrite(3, L.Rec("A", 1).data()));
+  EXPECT_EQ(Index(), test::Concat({L.Entry("A", 1, 3), L.Entry("B", 1, 1), L.Entry("C", 1, 2),
+                                   L.Entry("CC", 1, 0)}));
   // A hot-key change writes the record and leaves the index alone.
-  ASSERT_TRUE(db_.WriteInPlace(0, Rec("ZZ", 1).data()));
+  ASSERT_TRUE(db_.WriteInPlace(0, L.Rec("ZZ", 1).data()));
   const Bytes index = Index();
   EXPECT_EQ(index.size(), 36u);
-  EXPECT_EQ(Bytes(index.begin(), index.begin() + 9), Entry("A", 1, 3));
+  EXPECT_EQ(Bytes(index.begin(), index.begin() + 9), L.Entry("A", 1, 3));
   const Bytes data = ReadBytes("LIST.KSX");
-  EXPECT_EQ(Bytes(data.begin() + 3 * kSize, data.end()), Rec("ZZ", 1));
+  EXPECT_EQ(Bytes(data.begin() + 3 * kSize, data.end()), L.Rec("ZZ", 1));
 }
 
 TEST_F(DataBaseTest, OpenRebuildsAMissingOrDamagedIndexWithoutAsking) {
-  WriteBytes("LIST.KSX", Concat({Rec("B", 1), Rec("", 0), Rec("A", 2)}));
+  WriteBytes("LIST.KSX", test::Concat({L.Rec("B", 1), L.Rec("", 0), L.Rec("A", 2)}));
   ASSERT_EQ(Open(), ksDataBase::OpenResult::kOk);
-  EXPECT_EQ(Index(), Concat({Entry("A", 2, 2), Entry("B", 1, 0)}));
+  EXPECT_EQ(Index(), test::Concat({L.Entry("A", 2, 2), L.Entry("B", 1, 0)}));
   db_.Close();
   WriteBytes("LIST.IDX", Bytes(10, 0xFF));  // not a whole number of 9-byte entries
   ASSERT_EQ(Open(), ksDataBase::OpenResult::kOk);
-  EXPECT_EQ(Index(), Concat({Entry("A", 2, 2), Entry("B", 1, 0)}));
+  EXPECT_EQ(Index(), test::Concat({L.Entry("A", 2, 2), L.Entry("B", 1, 0)}));
 }
 
 TEST_F(DataBaseTest, MoreThanTenUnreferencedRecordsArePackedAwayOnOpen) {
   Bytes ten, eleven;
-  for (int i = 0; i < 10; ++i) ten = Concat({ten, Rec("T" + std::to_string(i), 1)});
-  eleven = Concat({ten, Rec("LAST", 1)});
+  for (int i = 0; i < 10; ++i) ten = test::Concat({ten, L.Rec("T" + std::to_string(i), 1)});
+  eleven = test::Concat({ten, L.Rec("LAST", 1)});
 
   WriteBytes("LIST.KSX", ten);
   WriteBytes("LIST.IDX", {});
@@ -174,11 +145,11 @@ TEST_F(DataBaseTest, MoreThanTenUnreferencedRecordsArePackedAwayOnOpen) {
 
   // With an index of some entries, the pack keeps exactly the referenced records.
   db_.Close();
-  WriteBytes("LIST.KSX", Concat({eleven, Rec("MORE", 1)}));
-  WriteBytes("LIST.IDX", Entry("T3", 1, 3));
+  WriteBytes("LIST.KSX", test::Concat({eleven, L.Rec("MORE", 1)}));
+  WriteBytes("LIST.IDX", L.Entry("T3", 1, 3));
   ASSERT_EQ(Open(), ksDataBase::OpenResult::kOk);
-  EXPECT_EQ(ReadBytes("LIST.KSX"), Rec("T3", 1));
-  EXPECT_EQ(Index(), Entry("T3", 1, 0));
+  EXPECT_EQ(ReadBytes("LIST.KSX"), L.Rec("T3", 1));
+  EXPECT_EQ(Index(), L.Entry("T3", 1, 0));
 }
 
 TEST_F(DataBaseTest, AnEmptyDataFileWithoutIndexEndsAsTwoEmptyFiles) {
@@ -190,11 +161,11 @@ TEST_F(DataBaseTest, AnEmptyDataFileWithoutIndexEndsAsTwoEmptyFiles) {
 
 TEST_F(DataBaseTest, AFullDiskLeavesThePreviousRecordsAndIndexReadable) {
   ASSERT_EQ(Open(), ksDataBase::OpenResult::kOk);
-  for (const char* tag : {"A", "B"}) ASSERT_TRUE(db_.Insert(Rec(tag, 1).data()));
+  for (const char* tag : {"A", "B"}) ASSERT_TRUE(db_.Insert(L.Rec(tag, 1).data()));
   const Bytes data = ReadBytes("LIST.KSX"), index = Index();
   {
     test::FileSizeLimit limit(2 * kSize + 5);  // the next record does not fit
-    EXPECT_FALSE(db_.Insert(Rec("C", 1).data()));
+    EXPECT_FALSE(db_.Insert(L.Rec("C", 1).data()));
   }
   EXPECT_EQ(ReadBytes("LIST.KSX"), data);
   EXPECT_EQ(Index(), index);
@@ -205,22 +176,22 @@ TEST_F(DataBaseTest, AFullDiskLeavesThePreviousRecordsAndIndexReadable) {
 }
 
 TEST_F(DataBaseTest, AnEntryPointingPastTheDataIsNeverWrittenThrough) {
-  WriteBytes("LIST.KSX", Rec("A", 1));
-  WriteBytes("LIST.IDX", Concat({Entry("A", 1, 0), Entry("B", 1, 60000)}));
+  WriteBytes("LIST.KSX", L.Rec("A", 1));
+  WriteBytes("LIST.IDX", test::Concat({L.Entry("A", 1, 0), L.Entry("B", 1, 60000)}));
   ASSERT_EQ(Open(), ksDataBase::OpenResult::kOk);
   Bytes rec(kSize);
   EXPECT_FALSE(db_.ReadRecord(1, rec.data()));
   EXPECT_FALSE(db_.HasRecord(1));
-  EXPECT_FALSE(db_.Rewrite(1, Rec("B", 1).data()));
-  EXPECT_FALSE(db_.WriteInPlace(1, Rec("B", 1).data()));
+  EXPECT_FALSE(db_.Rewrite(1, L.Rec("B", 1).data()));
+  EXPECT_FALSE(db_.WriteInPlace(1, L.Rec("B", 1).data()));
   EXPECT_TRUE(db_.Remove(1));  // the entry goes; there is no record to clear
-  EXPECT_EQ(ReadBytes("LIST.KSX"), Rec("A", 1));
-  EXPECT_EQ(Index(), Entry("A", 1, 0));
+  EXPECT_EQ(ReadBytes("LIST.KSX"), L.Rec("A", 1));
+  EXPECT_EQ(Index(), L.Entry("A", 1, 0));
 }
 
 TEST_F(DataBaseTest, TooLargeARecordIsAProgrammingError) {
-  EXPECT_THROW(ksDataBase("BIG", kMaxRecordSize + 1, TagGroup()), std::logic_error);
-  EXPECT_NO_THROW(ksDataBase("BIG", kMaxRecordSize, TagGroup()));
+  EXPECT_THROW(ksDataBase("BIG", kMaxRecordSize + 1, L.Keys()), std::logic_error);
+  EXPECT_NO_THROW(ksDataBase("BIG", kMaxRecordSize, L.Keys()));
 }
 
 class DataBaseScreenTest : public test::VtTest {
@@ -252,11 +223,11 @@ TEST_F(DataBaseScreenTest, ACorruptFileareaFileIsReportedAndLeftAlone) {
 TEST_F(DataBaseScreenTest, AnIndexPointingPastTheDataStopsThePackAndRestoresTheData) {
   record_extensions() = {"KSX", "IDX"};
   Bytes data;
-  for (int i = 0; i < 12; ++i) data = Concat({data, Rec("R" + std::to_string(i), 1)});
+  for (int i = 0; i < 12; ++i) data = test::Concat({data, L.Rec("R" + std::to_string(i), 1)});
   dir_.Write("LIST.KSX", std::string(data.begin(), data.end()));
-  const Bytes bad = Entry("R1", 1, 40);
+  const Bytes bad = L.Entry("R1", 1, 40);
   dir_.Write("LIST.IDX", std::string(bad.begin(), bad.end()));
-  ksDataBase db("LIST", kSize, TagGroup());
+  ksDataBase db("LIST", kSize, L.Keys());
   vt_.Keys("<Enter>");
   EXPECT_THROW(db.Open(dir_.path()), ProgramHalt);
   EXPECT_EQ(*ReadWholeFile(dir_ / "LIST.KSX"), std::string(data.begin(), data.end()));

@@ -16,51 +16,22 @@ namespace {
 using test::Bytes;
 
 constexpr std::size_t kSize = 16;
-
-// One string key of capacity 3 at offset 0 and a one-byte key at offset 8.
-KeySet Keys() {
-  KeySet k;
-  k.Declare("name", Str, 0, 4);
-  k.Declare("kind", Int, 8, 1);
-  return k;
-}
-
-Bytes Rec(const std::string& name, std::uint8_t kind, std::uint8_t payload = 0) {
-  Bytes r(kSize, 0);
-  test::PutStr(r, 0, name);
-  r[8] = kind;
-  r[15] = payload;
-  return r;
-}
-
-Bytes Entry(const std::string& name, std::uint8_t kind, std::uint16_t recno) {
-  Bytes e(7, 0);
-  test::PutStr(e, 0, name);
-  e[4] = kind;
-  e[5] = static_cast<std::uint8_t>(recno);
-  e[6] = static_cast<std::uint8_t>(recno >> 8);
-  return e;
-}
-
-Bytes Cat(std::initializer_list<Bytes> parts) {
-  Bytes out;
-  for (const auto& p : parts) out.insert(out.end(), p.begin(), p.end());
-  return out;
-}
+const test::TagByteLayout L{kSize, 4, 8};
 
 class MaintainTest : public test::PairTest {
  protected:
-  bool Build() { return BuildIndex(dir_.path(), "PAIR", kSize, Keys()); }
+  bool Build() { return BuildIndex(dir_.path(), "PAIR", kSize, L.Keys()); }
   bool Pack(const PackProc& proc = {}) {
-    return PackDataFile(dir_.path(), "PAIR", kSize, Keys(), proc);
+    return PackDataFile(dir_.path(), "PAIR", kSize, L.Keys(), proc);
   }
 };
 
 TEST_F(MaintainTest, BuildIndexSortsTheKeysAndLeavesOutAllZeroKeys) {
-  WriteBytes("PAIR.KSX", Cat({Rec("B", 2), Rec("", 0, 9), Rec("A", 5), Rec("B", 1), Rec("", 3)}));
+  WriteBytes("PAIR.KSX", test::Concat({L.Rec("B", 2), L.Rec("", 0, 9), L.Rec("A", 5), L.Rec("B", 1),
+                                       L.Rec("", 3)}));
   ASSERT_TRUE(Build());
-  EXPECT_EQ(ReadBytes("PAIR.IDX"),
-            Cat({Entry("", 3, 4), Entry("A", 5, 2), Entry("B", 1, 3), Entry("B", 2, 0)}));
+  EXPECT_EQ(ReadBytes("PAIR.IDX"), test::Concat({L.Entry("", 3, 4), L.Entry("A", 5, 2),
+                                                 L.Entry("B", 1, 3), L.Entry("B", 2, 0)}));
 }
 
 TEST_F(MaintainTest, BuildIndexOnAnEmptyOrMissingDataFileLeavesNoFiles) {
@@ -73,16 +44,18 @@ TEST_F(MaintainTest, BuildIndexOnAnEmptyOrMissingDataFileLeavesNoFiles) {
 }
 
 TEST_F(MaintainTest, BuildIndexIgnoresATrailingPartialRecord) {
-  Bytes data = Cat({Rec("A", 1), Rec("B", 1)});
+  Bytes data = test::Concat({L.Rec("A", 1), L.Rec("B", 1)});
   data.resize(data.size() + 5, 'x');
   WriteBytes("PAIR.KSX", data);
   ASSERT_TRUE(Build());
-  EXPECT_EQ(ReadBytes("PAIR.IDX"), Cat({Entry("A", 1, 0), Entry("B", 1, 1)}));
+  EXPECT_EQ(ReadBytes("PAIR.IDX"), test::Concat({L.Entry("A", 1, 0), L.Entry("B", 1, 1)}));
 }
 
 TEST_F(MaintainTest, PackKeepsReferencedRecordsInIndexOrderAndHandsEachToTheProc) {
-  WriteBytes("PAIR.KSX", Cat({Rec("C", 1, 10), Rec("X", 1, 11), Rec("A", 1, 12), Rec("B", 1, 13)}));
-  WriteBytes("PAIR.IDX", Cat({Entry("A", 1, 2), Entry("B", 1, 3), Entry("C", 1, 0)}));
+  WriteBytes("PAIR.KSX", test::Concat({L.Rec("C", 1, 10), L.Rec("X", 1, 11), L.Rec("A", 1, 12),
+                                       L.Rec("B", 1, 13)}));
+  WriteBytes("PAIR.IDX",
+             test::Concat({L.Entry("A", 1, 2), L.Entry("B", 1, 3), L.Entry("C", 1, 0)}));
   WriteBytes("PAIR.$$$", Bytes(3, 7));  // left over from an interrupted pack
   std::vector<std::uint8_t> seen;
   ASSERT_TRUE(Pack([&](std::uint8_t* rec, std::size_t& length) {
@@ -91,17 +64,17 @@ TEST_F(MaintainTest, PackKeepsReferencedRecordsInIndexOrderAndHandsEachToTheProc
     rec[14] = 0xEE;                 // converted
   }));
   EXPECT_EQ(seen, (std::vector<std::uint8_t>{12, 13, 10}));
-  Bytes a = Rec("A", 1, 12), c = Rec("C", 1, 10);
+  Bytes a = L.Rec("A", 1, 12), c = L.Rec("C", 1, 10);
   a[14] = c[14] = 0xEE;
-  EXPECT_EQ(ReadBytes("PAIR.KSX"), Cat({a, c}));
+  EXPECT_EQ(ReadBytes("PAIR.KSX"), test::Concat({a, c}));
   EXPECT_FALSE(dir_.Has("PAIR.$$$"));
   // The record numbers changed; the caller rebuilds the index.
   ASSERT_TRUE(Build());
-  EXPECT_EQ(ReadBytes("PAIR.IDX"), Cat({Entry("A", 1, 0), Entry("C", 1, 1)}));
+  EXPECT_EQ(ReadBytes("PAIR.IDX"), test::Concat({L.Entry("A", 1, 0), L.Entry("C", 1, 1)}));
 }
 
 TEST_F(MaintainTest, PackingEverythingAwayDeletesBothFiles) {
-  WriteBytes("PAIR.KSX", Cat({Rec("A", 1), Rec("B", 1)}));
+  WriteBytes("PAIR.KSX", test::Concat({L.Rec("A", 1), L.Rec("B", 1)}));
   WriteBytes("PAIR.IDX", {});
   ASSERT_TRUE(Pack());
   EXPECT_FALSE(dir_.Has("PAIR.KSX"));
@@ -110,10 +83,12 @@ TEST_F(MaintainTest, PackingEverythingAwayDeletesBothFiles) {
 
 TEST_F(MaintainTest, APackThatRunsOutOfDiskPutsTheOldDataFileBack) {
   Bytes data;
-  for (int i = 0; i < 200; ++i) data = Cat({data, Rec("R", static_cast<std::uint8_t>(i))});
+  for (int i = 0; i < 200; ++i)
+    data = test::Concat({data, L.Rec("R", static_cast<std::uint8_t>(i))});
   Bytes index;
   for (int i = 0; i < 200; ++i)
-    index = Cat({index, Entry("R", static_cast<std::uint8_t>(i), static_cast<std::uint16_t>(i))});
+    index = test::Concat(
+        {index, L.Entry("R", static_cast<std::uint8_t>(i), static_cast<std::uint16_t>(i))});
   WriteBytes("PAIR.KSX", data);
   WriteBytes("PAIR.IDX", index);
   {

@@ -26,6 +26,43 @@ inline void PutStr(Bytes& rec, std::size_t offset, const std::string& s) {
   std::memcpy(&rec[offset + 1], s.data(), s.size());
 }
 
+inline Bytes Concat(std::initializer_list<Bytes> parts) {
+  Bytes out;
+  for (const auto& p : parts) out.insert(out.end(), p.begin(), p.end());
+  return out;
+}
+
+// A small test file: records of `size` bytes keyed by a string (capacity `str_len` - 1) at
+// offset 0 and one byte at `byte_at`; the record's last byte is free for a payload.
+struct TagByteLayout {
+  std::size_t size;
+  std::uint8_t str_len;
+  std::uint16_t byte_at;
+
+  KeySet Keys() const {
+    KeySet k;
+    k.Declare("tag", Str, 0, str_len);
+    k.Declare("kind", Int, byte_at, 1);
+    return k;
+  }
+  Bytes Rec(const std::string& tag, std::uint8_t kind, std::uint8_t payload = 0) const {
+    Bytes r(size, 0);
+    PutStr(r, 0, tag);
+    r[byte_at] = kind;
+    r[size - 1] = payload;
+    return r;
+  }
+  // The index entry: the string field, the byte, the record number.
+  Bytes Entry(const std::string& tag, std::uint8_t kind, std::uint16_t recno) const {
+    Bytes e(str_len + 3u, 0);
+    PutStr(e, 0, tag);
+    e[str_len] = kind;
+    e[str_len + 1u] = static_cast<std::uint8_t>(recno & 0xFF);
+    e[str_len + 2u] = static_cast<std::uint8_t>(recno >> 8);
+    return e;
+  }
+};
+
 class PairTest : public ::testing::Test {
  protected:
   PairTest() { record_extensions() = {"KSX", "IDX"}; }

@@ -7,10 +7,10 @@
 #include <cstdint>
 #include <string_view>
 
+#include "common/sorttype.h"
+
 namespace ks {
 
-// Field kinds shared by key definitions, list columns and edit fields.
-enum SortType : std::uint8_t { Str, Int, Chrs, Aka, Ext, Path, Bol, Wrd, Rel, GrpArray, Long };
 
 inline constexpr int kMaxKeys = 5;
 inline constexpr std::size_t kMaxRecordSize = 10240;  // the record buffer of the engine

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "common/fileareaset.h"
 #include "common/le.h"
 #include "common/pstr.h"
 
@@ -34,10 +35,6 @@ struct MsgArea {
   PStr<79> path;
 };
 
-// A set of BBS file area numbers 0..63999: bit n of byte n/8 is area n.
-struct FileAreaSet {
-  static constexpr std::size_t kAreas = 64000;
-  std::uint8_t bits[kAreas / 8] = {};
 
   bool Has(std::size_t n) const { return n < kAreas && (bits[n >> 3] & (1u << (n & 7))); }
   void Set(std::size_t n, bool on) {
@@ -48,7 +45,6 @@ struct FileAreaSet {
 };
 #pragma pack(pop)
 static_assert(sizeof(MsgArea) == 83);
-static_assert(sizeof(FileAreaSet) == 8000);
 
 // Days of the week as one byte: bit 0 Sunday .. bit 6 Saturday.
 inline constexpr std::uint8_t kDaySunday = 0x01;

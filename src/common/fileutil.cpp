@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 
 namespace ks {
 
@@ -19,6 +20,12 @@ bool FileExists(const std::string& path) {
 bool DirExists(const std::string& path) {
   struct stat st;
   return ::stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+bool MakeDirs(const std::string& path) {
+  std::error_code ec;
+  std::filesystem::create_directories(path, ec);
+  return DirExists(path);
 }
 
 std::optional<std::uint64_t> FileSize(const std::string& path) {

@@ -11,6 +11,8 @@ namespace ks {
 
 bool FileExists(const std::string& path);  // a regular file
 bool DirExists(const std::string& path);
+// Creates `path` with every missing directory above it; true when it exists afterwards.
+bool MakeDirs(const std::string& path);
 std::optional<std::uint64_t> FileSize(const std::string& path);
 
 // A directory name with exactly one trailing "/" (an empty name stays empty).

@@ -23,6 +23,9 @@ class CompanionFile {
   // again by Close).
   bool Open(const std::string& path, std::size_t row_size, int count);
   void Close();
+  // Empties every row and sets the number of rows (the editor does this when it opens its
+  // file pair, so the rows match the index).
+  bool Reset(int count);
   bool is_open() const { return file_.is_open(); }
   std::size_t row_size() const { return row_size_; }
   int count() const { return count_; }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "dbase/keydef.h"
+#include "dbase/maintain.h"
 #include "dbase/rawfile.h"
 
 namespace ks {
@@ -47,6 +48,7 @@ class ksDataBase {
   int active_key() const { return active_key_; }
   void set_active_key(int k) { active_key_ = keys_.Find(k) ? k : 1; }
   bool unique = true;  // refuse records whose key equals another entry's
+  PackProc pack;       // applied to every record the automatic pack keeps
 
   // Entry `pos`: its key bytes and record number. nullptr when out of range.
   const std::uint8_t* Key(int pos) const;

@@ -15,6 +15,7 @@
 #include "dbase/database.h"
 #include "dbase/maintain.h"
 #include "tui/fields.h"
+#include "tui/picklist.h"
 
 namespace ks {
 
@@ -31,7 +32,7 @@ struct ListColumn {
 // at (col, row) of the edit page.
 struct ManagerHotKey {
   int col = 0, row = 0;
-  std::uint8_t scan = 0;  // extended key
+  std::uint8_t scan = 0;                        // extended key
   std::function<bool(std::uint8_t* rec)> proc;  // true when it changed the record
 };
 
@@ -73,6 +74,9 @@ class ManagerOBJ {
   int max_entries = 255;
   bool unique = true;
   bool searchable = true;
+  // The entries can be looked at and deleted, not added or changed (lists the processor
+  // writes): Enter, Ins and F6 do nothing.
+  bool view_only = false;
   int topic = 0;  // F1
   StartMode start_mode = StartMode::kNone;
   std::vector<std::uint8_t> start_record;  // kEdit: the entry to find (its key fields)
@@ -115,7 +119,7 @@ class ManagerOBJ {
   void BuildHelpLine(bool companion_open);
   void DrawWindow(const std::string& title);
   void ShowEntry();
-  bool EntryLoop();
+  void EntryLoop();
   bool AskAddWhenEmpty();
   void AddFlow(bool copy);
   void EditFlow();
@@ -128,6 +132,15 @@ class ManagerOBJ {
   // Returns true when the record was saved (inserted or rewritten).
   bool EditRecord(bool adding, int editing);
   bool HasEditing() const { return !fields_.empty() || static_cast<bool>(edit); }
+  bool FindRecord(const std::uint8_t* rec);
+  void TypedKey(char c);
+  void LimitMessage();
+  int KeyField() const;  // the page field of the active key
+  int FindByKey(const KeyDef& kd, const std::string& text) const;
+  // Companion rows follow the index: a new entry's row, a moved entry's row, a changed one.
+  void InsertRow(int pos);
+  void MoveRow(int from, int to);
+  void ForgetRow(int pos);
   std::string CellText(const std::uint8_t* rec, int column) const;
 
   std::string dir_, base_;
@@ -160,7 +173,8 @@ class ViewMgrOBJ {
  private:
   std::string Row(int pos);
   std::string Header() const;
-  int Search(std::string_view text, int from);
+  int RowWidth() const;
+  PickList List(std::vector<bool>* marks);
 
   ManagerOBJ& mgr_;
 };

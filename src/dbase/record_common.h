@@ -35,14 +35,6 @@ struct MsgArea {
   PStr<79> path;
 };
 
-
-  bool Has(std::size_t n) const { return n < kAreas && (bits[n >> 3] & (1u << (n & 7))); }
-  void Set(std::size_t n, bool on) {
-    if (n >= kAreas) return;
-    const auto bit = static_cast<std::uint8_t>(1u << (n & 7));
-    bits[n >> 3] = static_cast<std::uint8_t>(on ? bits[n >> 3] | bit : bits[n >> 3] & ~bit);
-  }
-};
 #pragma pack(pop)
 static_assert(sizeof(MsgArea) == 83);
 

@@ -15,6 +15,8 @@
 #include "shell/mainmenu.h"
 #include "shell/maintenance.h"
 #include "shell/program.h"
+#include "shell/screens.h"
+#include "tui/picklist.h"
 #include "shell/setupfile.h"
 #include "tui/charchart.h"
 #include "tui/screen.h"
@@ -108,8 +110,13 @@ std::string FindHelpDir(const AppEnv& env, const std::string& exe_path) {
 void RunMenuWithTables() {
   Program& p = prog();
   p.group_table = LoadGroupTable(p.DataDir());
+  RegisterScreens();
   struct Release {
-    ~Release() { prog().group_table.clear(); }
+    ~Release() {
+      prog().group_table.clear();
+      group_source() = nullptr;
+      file_area_source() = nullptr;
+    }
   } release;
   RunMainMenu();
 }

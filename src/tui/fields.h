@@ -25,8 +25,8 @@ namespace ks {
 //             missing directory may be created ("Create directory?").
 //   Ext       a string of 3 characters, a file extension, in capitals.
 //   Int       a signed integer of `size` bytes (1, 2 or 4; one byte counts as unsigned),
-//             between `low` and `high`. With `group` set it is a single group number chosen from
-//             the group pick list (F2 or Enter-less typing both work).
+//             between `low` and `high`. With `group` set it is a single group number, typed
+//             or chosen from the group pick list with Space or F2.
 //   Wrd/Long  an unsigned integer of `size` bytes (Wrd 1 or 2, Long 4) between `low` and `high`.
 //   Rel       an 8-byte real shaped by a numeric `picture` such as "####.##".
 //   Bol       Yes/No: a byte (0/1), or the bits of `mask` in a byte or word of `size` bytes.
@@ -35,26 +35,27 @@ namespace ks {
 //   Aka       a network address (8 bytes) entered through 22 positions; with `zone_net` only
 //             zone and net (two words) through 10 positions.
 //   GrpArray  a 32-byte group set chosen from the "Select groups" pick list.
-// An action field (`select` given) takes no typed input: Enter calls `select`, and `show` gives
-// the text drawn for it.
+// An action field (`select` given) takes no typed input: Enter, Space or F2 calls `select`, and
+// `show` gives the text drawn for it. Bol toggles with Space, + and -, and takes Y and N; a
+// group set opens its pick list with Space or F2.
 struct FieldDef {
   SortType type = Str;
-  int col = 0, row = 0;           // where the value is drawn
-  std::uint16_t offset = 0;       // where the value lies in the record
-  std::uint8_t size = 0;          // string capacity, or bytes of a number/bit word
-  std::int64_t low = 0;           // numbers: the lowest value accepted
-  std::int64_t high = 0;          // numbers: the highest value accepted
-  std::string picture;            // Str: same length as the string; Rel: "###.##"
-  std::string prompt;             // drawn at (prompt_col, row)
-  std::string help;               // shown on the status line while the field is current
-  int prompt_col = 2;             //
-  std::uint16_t mask = 0;         // Bol/Chrs: the bits that hold the value (0 = whole byte)
+  int col = 0, row = 0;              // where the value is drawn
+  std::uint16_t offset = 0;          // where the value lies in the record
+  std::uint8_t size = 0;             // string capacity, or bytes of a number/bit word
+  std::int64_t low = 0;              // numbers: the lowest value accepted
+  std::int64_t high = 0;             // numbers: the highest value accepted
+  std::string picture;               // Str: same length as the string; Rel: "###.##"
+  std::string prompt;                // drawn at (prompt_col, row)
+  std::string help;                  // shown on the status line while the field is current
+  int prompt_col = 2;                //
+  std::uint16_t mask = 0;            // Bol/Chrs: the bits that hold the value (0 = whole byte)
   std::vector<std::string> choices;  // Chrs
-  int width = 0;                  // cells the value takes on screen (0 = from the kind)
-  bool upper = false;             // Str: capitals only
-  bool zone_net = false;          // Aka: zone:net only
-  bool group = false;             // Int: a single group from the pick list
-  bool na_when_empty = false;     // shows "n/a" for 0, an empty string or a zero address
+  int width = 0;                     // cells the value takes on screen (0 = from the kind)
+  bool upper = false;                // Str: capitals only
+  bool zone_net = false;             // Aka: zone:net only
+  bool group = false;                // Int: a single group from the pick list
+  bool na_when_empty = false;        // shows "n/a" for 0, an empty string or a zero address
   // False when the value does not apply to this record: the field shows "n/a" and is skipped.
   std::function<bool(const std::uint8_t* rec)> applies;
   // Action fields: Enter calls `select`, which returns true when it changed the record.
@@ -65,8 +66,8 @@ struct FieldDef {
 
 // How Run ended.
 struct PageResult {
-  std::uint8_t key = 0;   // 27 for Esc, else the scan code of an exit key
-  int field = 0;          // the field the cursor was on
+  std::uint8_t key = 0;  // 27 for Esc, else the scan code of an exit key
+  int field = 0;         // the field the cursor was on
 };
 
 class EditPage {
@@ -102,6 +103,8 @@ class EditPage {
 
  private:
   bool Editable(int i, const std::uint8_t* rec) const;
+  // The first editable field from `from` on, stepping by `step` and wrapping round.
+  int Seek(int from, int step, const std::uint8_t* rec) const;
 
   std::vector<FieldDef> fields_;
   std::vector<bool> broken_;  // definition refused: shown, never edited

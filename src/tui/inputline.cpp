@@ -12,72 +12,100 @@ namespace {
 constexpr std::uint8_t kCtrlY = 25;
 }
 
+LineEditor::LineEditor(std::string text, int max_len) : max_len_(max_len) {
+  set_text(std::move(text));
+}
+
+void LineEditor::set_text(std::string text) {
+  text_ = std::move(text);
+  if (static_cast<int>(text_.size()) > max_len_) text_.resize(static_cast<std::size_t>(max_len_));
+  pos_ = static_cast<int>(text_.size());
+  first_ = 0;
+}
+
+void LineEditor::Show(int col, int row, int width, std::uint8_t attr) {
+  const int len = static_cast<int>(text_.size());
+  if (len == width && pos_ == len) {
+    first_ = 0;
+  } else {
+    if (pos_ < first_) first_ = pos_;
+    if (pos_ >= first_ + width) first_ = pos_ - width + 1;
+  }
+  Screen& s = scr();
+  s.WriteStr(col, row, attr,
+             std::string_view(text_).substr(static_cast<std::size_t>(first_),
+                                            static_cast<std::size_t>(width)),
+             width);
+  s.GotoXY(col + pos_ - first_, row);
+}
+
+bool LineEditor::HandleKey(std::uint8_t code, bool extended) {
+  const int len = static_cast<int>(text_.size());
+  if (extended) {
+    switch (code) {
+      case key::kLeft:
+        pos_ = std::max(0, pos_ - 1);
+        return true;
+      case key::kRight:
+        pos_ = std::min(len, pos_ + 1);
+        return true;
+      case key::kHome:
+        pos_ = 0;
+        return true;
+      case key::kEnd:
+        pos_ = len;
+        return true;
+      case key::kDel:
+        if (pos_ < len) text_.erase(static_cast<std::size_t>(pos_), 1);
+        return true;
+      case key::kIns:
+        insert = !insert;
+        return true;
+      default:
+        return false;
+    }
+  }
+  if (code == key::kBackspace) {
+    if (pos_ > 0) text_.erase(static_cast<std::size_t>(--pos_), 1);
+    return true;
+  }
+  if (code == kCtrlY) {
+    text_.clear();
+    pos_ = first_ = 0;
+    return true;
+  }
+  if (code < 32) return false;
+  char c = static_cast<char>(code);
+  if (accept && !accept(c, pos_)) return true;
+  const auto p = static_cast<std::size_t>(pos_);
+  if (!insert && p < text_.size()) {
+    text_[p] = c;
+    ++pos_;
+  } else if (len < max_len_) {
+    text_.insert(p, 1, c);
+    ++pos_;
+  }
+  return true;
+}
+
 std::optional<std::string> InputLine(int col, int row, int width, int max_len, std::string initial,
                                      std::uint8_t attr) {
   Screen& s = scr();
   const CursorShape old_shape = s.cursor_shape();
-  std::string text = std::move(initial);
-  if (static_cast<int>(text.size()) > max_len) text.resize(static_cast<std::size_t>(max_len));
-  int pos = static_cast<int>(text.size());
-  int first = 0;  // first character shown
-  bool insert = true;
+  LineEditor ed(std::move(initial), max_len);
   s.SetCursorShape(CursorShape::kUnderline);
   std::optional<std::string> result;
   for (;;) {
-    if (pos < first) first = pos;
-    if (pos >= first + width) first = pos - width + 1;
-    s.WriteStr(col, row, attr,
-               std::string_view(text).substr(static_cast<std::size_t>(first),
-                                             static_cast<std::size_t>(width)),
-               width);
-    s.GotoXY(col + pos - first, row);
+    ed.Show(col, row, width, attr);
     bool extended = false;
     const std::uint8_t k = s.ReadCode(&extended);
-    if (extended) {
-      switch (k) {
-        case key::kLeft:
-          pos = std::max(0, pos - 1);
-          break;
-        case key::kRight:
-          pos = std::min(static_cast<int>(text.size()), pos + 1);
-          break;
-        case key::kHome:
-          pos = 0;
-          break;
-        case key::kEnd:
-          pos = static_cast<int>(text.size());
-          break;
-        case key::kDel:
-          if (pos < static_cast<int>(text.size())) text.erase(static_cast<std::size_t>(pos), 1);
-          break;
-        case key::kIns:
-          insert = !insert;
-          break;
-        default:
-          break;
-      }
-      continue;
-    }
+    if (ed.HandleKey(k, extended)) continue;
+    if (extended) continue;
     if (k == key::kEnter) {
-      result = text;
+      result = ed.text();
       break;
     }
     if (k == key::kEsc) break;
-    if (k == key::kBackspace) {
-      if (pos > 0) text.erase(static_cast<std::size_t>(--pos), 1);
-    } else if (k == kCtrlY) {
-      text.clear();
-      pos = first = 0;
-    } else if (k >= 32) {
-      const auto p = static_cast<std::size_t>(pos);
-      if (!insert && p < text.size()) {
-        text[p] = static_cast<char>(k);
-        ++pos;
-      } else if (static_cast<int>(text.size()) < max_len) {
-        text.insert(p, 1, static_cast<char>(k));
-        ++pos;
-      }
-    }
   }
   s.SetCursorShape(old_shape);
   return result;

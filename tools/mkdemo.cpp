@@ -1,13 +1,18 @@
 // Makes a fresh demo program directory for `make run`: a setup.ksx with a main address and a
-// few site details already set, a few fileechos, nodes, groups, hatch entries and magic file
-// names in their record files, and the help document beside it.
+// few site details already set, a few entries in every list (fileechos, nodes, groups, hatch
+// entries, magic file names, FileFind areas, reports, BBS file areas, ALLFILES lists, echomail
+// areas, routes, uplink requests), a BBS file area list, and the help document beside it.
 #include <filesystem>
 #include <iostream>
 #include <string>
 
 #include "common/fileutil.h"
 #include "common/recordext.h"
+#include "dbase/bbsfileareas.h"
+#include "dbase/database.h"
+#include "dbase/recfiles.h"
 #include "dbase/recordfile.h"
+#include "dbase/route_rec.h"
 #include "shell/setupfile.h"
 
 namespace fs = std::filesystem;
@@ -24,6 +29,84 @@ bool Fill(const std::string& dir, File& file, const std::vector<Rec>& records) {
     if (!file.Add(r)) return false;
   file.Close();
   return true;
+}
+
+// Creates the pair `base` in `dir` with `keys` and inserts every record (of `size` bytes).
+template <class Rec>
+bool Insert(const std::string& dir, const std::string& base, std::size_t size,
+            const ks::KeySet& keys, const std::vector<Rec>& records) {
+  ks::ksDataBase db(base, size, keys);
+  if (db.Open(dir) != ks::ksDataBase::OpenResult::kOk) return false;
+  for (const Rec& r : records)
+    if (!db.Insert(reinterpret_cast<const std::uint8_t*>(&r))) return false;
+  return true;
+}
+
+template <class Rec>
+bool Insert(const std::string& dir, ks::RecordFileId id, const std::vector<Rec>& records) {
+  const ks::RecordFileDef& def = ks::FileDef(id);
+  return Insert(dir, def.base, def.RecordSize(), def.keys, records);
+}
+
+// The lists the menu opens besides the fileecho system: one or two entries each.
+bool WriteDemoLists(const std::string& dir) {
+  ks::WriteFileAtomic(ks::BbsFileAreasFileName(dir),
+                      "; BBS file areas, as the BBS's area compiler writes them\n"
+                      "1   /bbs/files/utils     Utilities and tools\n"
+                      "2   /bbs/files/nodelist  Nodelists\n"
+                      "3   /bbs/files/linux     Linux\n"
+                      "10  /bbs/files/new       New uploads\n");
+  ks::AreaMGRRec ff{};
+  ff.comment = "Local FileFind requests";
+  ff.scan.type = ks::mbJam;
+  ff.scan.path = "/var/spool/msgbase/filefind";
+  ff.maxFiles = 20;
+  for (int a : {1, 2, 3}) ff.fileAreas.Set(static_cast<std::size_t>(a), true);
+  ks::NewFileMgrRec report{};
+  report.groups.Add(1);
+  report.groups.Add(2);
+  report.from = "KESTRA";
+  report.to = "All";
+  report.subject = "New files this week";
+  report.area.type = ks::mbJam;
+  report.area.path = "/var/spool/msgbase/newfiles";
+  ks::BbsAreaMgrRec bbs{};
+  bbs.comment = "Uploads announced to FidoNet";
+  bbs.group = 1;
+  bbs.areas.Set(10, true);
+  ks::AllfilesMgrRec all{};
+  all.tag = "ALLFILES";
+  all.listPath = "/var/spool/files/ALLFILES.TXT";
+  for (int a : {1, 2, 3, 10}) all.fileAreas.Set(static_cast<std::size_t>(a), true);
+  std::vector<ks::EchoMGRrec> echos(2);
+  echos[0].tag = "FIDO.SYSOP";
+  echos[0].description = "Sysops of the net";
+  echos[0].group = 1;
+  echos[1].tag = "LINUX.GENERAL";
+  echos[1].description = "Linux talk";
+  echos[1].group = 3;
+  for (auto& e : echos) {
+    e.area.type = ks::mbJam;
+    e.area.path = "/var/spool/msgbase/" + e.tag.str();
+    e.systems[0].address = {2, 280, 1, 0};
+  }
+  ks::RouteMgrRec route{};
+  route.via = {2, 280, 1, 0};
+  route.comment = "Everything else through the hub";
+  route.nodes = "1:* 2:* 3:* 4:*";
+  ks::UplinkReqRec req{};
+  req.tag = "AMIGA";
+  req.uplink = {2, 280, 1, 0};
+  req.node = {2, 280, 77, 0};
+  req.firstSent = req.lastSent = 1795000000;
+  req.times = 1;
+  return Insert(dir, ks::RecordFileId::kAreas, std::vector{ff}) &&
+         Insert(dir, ks::RecordFileId::kReports, std::vector{report}) &&
+         Insert(dir, ks::RecordFileId::kBbsAreas, std::vector{bbs}) &&
+         Insert(dir, ks::RecordFileId::kAllfiles, std::vector{all}) &&
+         Insert(dir, ks::RecordFileId::kMAreas, echos) &&
+         Insert(dir, ks::kRouteBase, sizeof route, ks::RouteKeys(), std::vector{route}) &&
+         Insert(dir, ks::kUplinkReqBase, sizeof req, ks::UplinkReqKeys(), std::vector{req});
 }
 
 bool WriteDemoRecords(const std::string& dir) {
@@ -124,7 +207,7 @@ int main(int argc, char** argv) {
     return 1;
   }
   ks::record_extensions() = {"KSX", "IDX"};
-  if (!WriteDemoRecords(dir.string())) {
+  if (!WriteDemoRecords(dir.string()) || !WriteDemoLists(dir.string())) {
     std::cerr << "mkdemo: cannot write the demo record files\n";
     return 1;
   }

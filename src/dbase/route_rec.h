@@ -7,6 +7,7 @@
 
 #include "common/netaddr.h"
 #include "common/pstr.h"
+#include "dbase/keydef.h"
 
 namespace ks {
 
@@ -73,5 +74,18 @@ static_assert(sizeof(UplinkReqIdx) == 51);
 // The two files: base names and keys.
 inline constexpr const char* kRouteBase = "ROUTE";
 inline constexpr const char* kUplinkReqBase = "UPLREQ";
+
+inline KeySet RouteKeys() {
+  KeySet k;
+  k.Declare("address", Aka, offsetof(RouteMgrRec, via), sizeof(NetAddr));
+  return k;
+}
+
+inline KeySet UplinkReqKeys() {
+  KeySet k;
+  k.Declare("tag", Str, offsetof(UplinkReqRec, tag), 41);
+  k.Declare("uplink", Aka, offsetof(UplinkReqRec, uplink), sizeof(NetAddr));
+  return k;
+}
 
 }  // namespace ks

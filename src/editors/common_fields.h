@@ -72,6 +72,7 @@ FieldDef DaysField(FieldDef f, int topic = 0);
 
 // Declares the keys of record file `id` on `mgr`, as the file table gives them.
 void DeclareKeys(ManagerOBJ& mgr, RecordFileId id);
+void DeclareKeys(ManagerOBJ& mgr, const KeySet& keys);
 // Declares the browse columns; returns the width of a browse row.
 int AddColumns(ManagerOBJ& mgr, const std::vector<ListColumn>& columns);
 // Runs the list with its companion file in the work directory, so that browse and

@@ -66,7 +66,7 @@ std::optional<Refusal> CheckRoute(const RouteMgrRec& r) {
 
 void RunPackManager(const ListContext& ctx) {
   ManagerOBJ mgr(ctx.data_dir, kRouteBase, sizeof(RouteMgrRec), 3, 5, 77, 15, "Pack manager");
-  mgr.AddKey("address", Aka, offsetof(RouteMgrRec, via), sizeof(NetAddr));
+  DeclareKeys(mgr, RouteKeys());
   const int row_width =
       AddColumns(mgr, {{.type = Aka, .offset = 0, .length = 8, .width = 23, .caption = "Route via"},
                        {.type = Str,

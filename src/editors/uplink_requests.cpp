@@ -39,8 +39,7 @@ FieldDef DateField(int col, int row, std::uint16_t offset, std::string prompt, s
 void RunUplinkRequests(const ListContext& ctx) {
   ManagerOBJ mgr(ctx.data_dir, kUplinkReqBase, sizeof(UplinkReqRec), 3, 5, 77, 13,
                  "Uplink requests");
-  mgr.AddKey("tag", Str, offsetof(UplinkReqRec, tag), 41);
-  mgr.AddKey("uplink", Aka, offsetof(UplinkReqRec, uplink), sizeof(NetAddr));
+  DeclareKeys(mgr, UplinkReqKeys());
   const int row_width =
       AddColumns(mgr, {{.type = Str, .offset = 0, .length = 41, .width = 36, .caption = "Tag"},
                        {.type = Aka,

@@ -229,7 +229,7 @@ case_f10_f9() {
   cmp -s "$d/setup.ksx" "$WORK/demo.ksx" || fail "F9 changed setup.ksx" || return 1
   # The atomic save leaves no temporary file behind.
   local extra
-  extra=$(ls "$d" | grep -vxE 'KESTRA\.DOC|KS_DOC\.IDX|setup\.ksx|[A-Z]+\.(KSX|IDX)' | tr '\n' ' ')
+  extra=$(ls "$d" | grep -vxE 'KESTRA\.DOC|KS_DOC\.IDX|FILEAREA\.LST|setup\.ksx|[A-Z]+\.(KSX|IDX)' | tr '\n' ' ')
   [ -z "$extra" ] || fail "unexpected files: $extra" || return 1
   check_header_left
 }
@@ -304,6 +304,75 @@ case_index_pack() {
   [ ! -e "$d/FAREAS.\$\$\$" ] || fail "scratch file left behind"
 }
 
+# byte_at FILE OFFSET: one byte as a number.
+byte_at() { od -An -tu1 -j "$2" -N1 "$1" | tr -d ' '; }
+# str_at FILE OFFSET: the length-prefixed string at OFFSET.
+str_at() { dd if="$1" bs=1 skip=$(($2 + 1)) count="$(byte_at "$1" "$2")" 2>/dev/null; }
+
+case_lists() {
+  local d
+  d=$(demo_dir) || fail "mkdemo failed" || return 1
+  start lists "$d"
+  wait_text "Miscellaneous system parameters" 25 || return 1
+  # FileFind areas (records of 8400 bytes, index entries of 58): copy, edit, delete.
+  keys Down Enter
+  wait_text "Local FileFind requests" || return 1
+  keys F6
+  wait_text "Adding new entry" || return 1
+  keys "Zeta area" Escape
+  wait_text "Save changes?" || return 1
+  keys Enter
+  wait_text " 2/2 " || return 1
+  [ "$(size "$d/AREAS.KSX")" = 16800 ] || fail "AREAS.KSX has $(size "$d/AREAS.KSX") bytes" || return 1
+  [ "$(str_at "$d/AREAS.IDX" 58)" = "Zeta area" ] || fail "new entry not second in AREAS.IDX" || return 1
+  keys Enter
+  wait_text "Editing entry" || return 1
+  keys End " II" Escape
+  wait_text "Save changes?" || return 1
+  keys Enter
+  wait_text "Zeta area II" || return 1
+  [ "$(size "$d/AREAS.KSX")" = 16800 ] || fail "the edit appended a record" || return 1
+  [ "$(str_at "$d/AREAS.KSX" 8400)" = "Zeta area II" ] || fail "edit not written in place" || return 1
+  keys Home Delete
+  wait_text "Delete this entry?" || return 1
+  keys Tab Enter
+  wait_text " 1/1 " || return 1
+  [ "$(size "$d/AREAS.IDX")" = 58 ] || fail "AREAS.IDX has $(size "$d/AREAS.IDX") bytes" || return 1
+  [ "$(str_at "$d/AREAS.IDX" 0)" = "Zeta area II" ] || fail "wrong entry deleted" || return 1
+  [ "$(byte_at "$d/AREAS.KSX" 0)" = 0 ] || fail "deleted record keeps its key" || return 1
+  keys Escape
+  wait_text "FileFind message area configuration" 25 || return 1
+  # Hatch manager (records of 242 bytes, entries of 43): add an entry that sorts first, delete
+  # the one that was there.
+  keys Down Down Enter
+  wait_text "Fileecho maintenance" 25 || return 1
+  keys Down Down Down Enter
+  wait_text "The weekly nodelist" || return 1
+  keys Insert
+  wait_text "Adding new entry" || return 1
+  keys LINUX Tab "/srv/iso/*.iso" Escape
+  wait_text "Save changes?" || return 1
+  keys Enter
+  wait_text " 1/2 " || return 1
+  [ "$(size "$d/HATCH.KSX")" = 484 ] || fail "HATCH.KSX has $(size "$d/HATCH.KSX") bytes" || return 1
+  [ "$(str_at "$d/HATCH.KSX" 242)" = LINUX ] || fail "hatch area not upper case" || return 1
+  [ "$(str_at "$d/HATCH.KSX" 283)" = "/srv/iso/*.iso" ] || fail "hatch file spec" || return 1
+  keys End Delete
+  wait_text "Delete this entry?" || return 1
+  keys Tab Enter
+  wait_text " 1/1 " || return 1
+  [ "$(size "$d/HATCH.IDX")" = 43 ] || fail "HATCH.IDX has $(size "$d/HATCH.IDX") bytes" || return 1
+  [ "$(str_at "$d/HATCH.IDX" 0)" = LINUX ] || fail "wrong hatch entry deleted" || return 1
+  keys F10
+  wait_text "Internal hatch manager" 25 || return 1
+  keys F10
+  wait_text "Fileecho configuration" 25 || return 1
+  keys F9
+  wait_exit || return 1
+  # The companion files are gone with the lists.
+  ! ls "$d"/C*0.tmp >/dev/null 2>&1 || fail "companion file left behind"
+}
+
 [ -x "$MKDEMO" ] || { echo "FAIL setup: $MKDEMO not built"; exit 1; }
 tmx new-session -d -s idle -x 80 -y 25 || { echo "FAIL setup: tmux server did not start"; exit 1; }
 
@@ -314,6 +383,7 @@ run_case "F10 saves, F9 leaves setup.ksx untouched" case_f10_f9
 run_case "Exit program without changes asks nothing" case_exit_item
 run_case "F1 help viewer and Alt-Z character chart" case_help_chart
 run_case "Index rebuilds a damaged index, Pack drops a deleted record" case_index_pack
+run_case "FileFind areas and hatch manager: add, edit, delete" case_lists
 
 if [ "$failures" -gt 0 ]; then
   echo "$failures case(s) failed"

@@ -65,6 +65,7 @@ fuzz: deps
 bench: build
 	$(BUILD)/bench_startup $(BUILD)/ksetup $(BUILD)
 	$(BUILD)/bench_dbase
+	$(BUILD)/bench_list
 
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')

@@ -35,10 +35,8 @@
 #include "dbase/node_rec.h"
 #include "dbase/recfiles.h"
 #include "dbase/recordfile.h"
+#include "bench_util.h"
 #include "shell/maintenance.h"
-
-namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
 
 namespace {
 
@@ -55,88 +53,7 @@ constexpr int kInserts = 1000;
 constexpr int kLookups = 1000;
 constexpr std::size_t kChunk = 1 << 20;
 
-[[noreturn]] void Die(const std::string& what) {
-  std::fprintf(stderr, "bench_dbase: %s\n", what.c_str());
-  throw ProgramHalt{1};
-}
-
-double Ms(Clock::duration d) {
-  return std::chrono::duration<double, std::milli>(d).count();
-}
-
-double TimeMs(const std::function<void()>& fn) {
-  const auto start = Clock::now();
-  fn();
-  return Ms(Clock::now() - start);
-}
-
-double CpuMs() {
-  timespec t;
-  ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
-  return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_nsec) / 1e6;
-}
-
-// Wall-clock and CPU times (user and system) of the runs of one measurement. The CPU time
-// hardly changes with other load on the machine; the wall time also holds the waits for the
-// disk.
-struct Samples {
-  std::vector<double> wall, cpu;
-
-  void Measure(const std::function<void()>& fn) {
-    const double cpu_start = CpuMs();
-    wall.push_back(TimeMs(fn));
-    cpu.push_back(CpuMs() - cpu_start);
-  }
-};
-
-double Median(std::vector<double> v) {
-  std::sort(v.begin(), v.end());
-  const std::size_t n = v.size();
-  return n % 2 ? v[n / 2] : (v[n / 2 - 1] + v[n / 2]) / 2;
-}
-
-// The directory all files live in; removed with everything in it when the benchmark ends.
-class TempDir {
- public:
-  TempDir() {
-    std::string name = (fs::temp_directory_path() / "ksetup-bench-XXXXXX").string();
-    if (!::mkdtemp(name.data())) Die("cannot create a temporary directory");
-    path_ = name;
-  }
-  ~TempDir() {
-    std::error_code ec;
-    fs::remove_all(path_, ec);
-  }
-  TempDir(const TempDir&) = delete;
-  TempDir& operator=(const TempDir&) = delete;
-  const fs::path& path() const { return path_; }
-
- private:
-  fs::path path_;
-};
-
-void WriteWhole(const std::string& path, const std::vector<std::uint8_t>& bytes) {
-  const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-  if (fd < 0) Die("cannot create " + path);
-  std::size_t done = 0;
-  while (done < bytes.size()) {
-    const ssize_t w = ::write(fd, bytes.data() + done, bytes.size() - done);
-    if (w <= 0) Die("cannot write " + path);
-    done += static_cast<std::size_t>(w);
-  }
-  ::close(fd);
-}
-
-std::vector<std::uint8_t> ReadWhole(const std::string& path) {
-  std::vector<std::uint8_t> bytes;
-  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (fd < 0) return bytes;
-  std::uint8_t buf[1 << 16];
-  ssize_t r;
-  while ((r = ::read(fd, buf, sizeof buf)) > 0) bytes.insert(bytes.end(), buf, buf + r);
-  ::close(fd);
-  return bytes;
-}
+using namespace bench;
 
 // Records of one file filled in memory, written to its data file in one write.
 class DataImage {

@@ -1,0 +1,109 @@
+// Helpers the benchmarks share: timing, medians, a temporary directory, whole-file I/O.
+#pragma once
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "common/halt.h"
+
+namespace bench {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+[[noreturn]] inline void Die(const std::string& what) {
+  std::fprintf(stderr, "%s: %s\n", program_invocation_short_name, what.c_str());
+  throw ks::ProgramHalt{1};
+}
+
+inline double Ms(Clock::duration d) {
+  return std::chrono::duration<double, std::milli>(d).count();
+}
+
+inline double TimeMs(const std::function<void()>& fn) {
+  const auto start = Clock::now();
+  fn();
+  return Ms(Clock::now() - start);
+}
+
+inline double CpuMs() {
+  timespec t;
+  ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+  return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_nsec) / 1e6;
+}
+
+// Wall-clock and CPU times (user and system) of the runs of one measurement. The CPU time
+// hardly changes with other load on the machine; the wall time also holds the waits for the
+// disk.
+struct Samples {
+  std::vector<double> wall, cpu;
+
+  void Measure(const std::function<void()>& fn) {
+    const double cpu_start = CpuMs();
+    wall.push_back(TimeMs(fn));
+    cpu.push_back(CpuMs() - cpu_start);
+  }
+};
+
+inline double Median(std::vector<double> v) {
+  std::sort(v.begin(), v.end());
+  const std::size_t n = v.size();
+  return n % 2 ? v[n / 2] : (v[n / 2 - 1] + v[n / 2]) / 2;
+}
+
+// The directory all files live in; removed with everything in it when the benchmark ends.
+class TempDir {
+ public:
+  TempDir() {
+    std::string name = (fs::temp_directory_path() / "ksetup-bench-XXXXXX").string();
+    if (!::mkdtemp(name.data())) Die("cannot create a temporary directory");
+    path_ = name;
+  }
+  ~TempDir() {
+    std::error_code ec;
+    fs::remove_all(path_, ec);
+  }
+  TempDir(const TempDir&) = delete;
+  TempDir& operator=(const TempDir&) = delete;
+  const fs::path& path() const { return path_; }
+
+ private:
+  fs::path path_;
+};
+
+inline void WriteWhole(const std::string& path, const std::vector<std::uint8_t>& bytes) {
+  const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+  if (fd < 0) Die("cannot create " + path);
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    const ssize_t w = ::write(fd, bytes.data() + done, bytes.size() - done);
+    if (w <= 0) Die("cannot write " + path);
+    done += static_cast<std::size_t>(w);
+  }
+  ::close(fd);
+}
+
+inline std::vector<std::uint8_t> ReadWhole(const std::string& path) {
+  std::vector<std::uint8_t> bytes;
+  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return bytes;
+  std::uint8_t buf[1 << 16];
+  ssize_t r;
+  while ((r = ::read(fd, buf, sizeof buf)) > 0) bytes.insert(bytes.end(), buf, buf + r);
+  ::close(fd);
+  return bytes;
+}
+}  // namespace bench

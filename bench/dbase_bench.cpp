@@ -26,6 +26,7 @@
 #include <string>
 #include <vector>
 
+#include "bench_util.h"
 #include "common/halt.h"
 #include "common/recordext.h"
 #include "dbase/database.h"
@@ -35,7 +36,6 @@
 #include "dbase/node_rec.h"
 #include "dbase/recfiles.h"
 #include "dbase/recordfile.h"
-#include "bench_util.h"
 #include "shell/maintenance.h"
 
 namespace {

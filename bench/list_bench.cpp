@@ -104,9 +104,11 @@ int main(int argc, char** argv) try {
     const double browse = TimeMs([&] { run(pages); }) - open;
     browse_bytes = BytesRead() - before - open_bytes;
     // F6 copies the first area; typing replaces its tag. The new tag sorts last.
-    const double insert = TimeMs([&] { run("<F6>ZZ.NEW." + std::to_string(i) + "<Esc><Enter><Esc>"); });
+    const double insert =
+        TimeMs([&] { run("<F6>ZZ.NEW." + std::to_string(i) + "<Esc><Enter><Esc>"); });
     // Enter edits the first area; its tag changes so that the entry moves to the end.
-    const double edit = TimeMs([&] { run("<Enter>ZZ.MOVED." + std::to_string(i) + "<Esc><Enter><Esc>"); });
+    const double edit =
+        TimeMs([&] { run("<Enter>ZZ.MOVED." + std::to_string(i) + "<Esc><Enter><Esc>"); });
     const double del = TimeMs([&] { run("<Del><Tab><Enter><Esc>"); });
     if (warm_up) continue;
     open_ms.push_back(open);
@@ -120,8 +122,8 @@ int main(int argc, char** argv) try {
   // Every run added one area and deleted one.
   if (db.count() != kAreas) Die("wrong number of entries after the runs");
   const double data_mb = static_cast<double>(kAreas) * EchoRecordSize(kSystems) / 1e6;
-  std::printf("Echomail manager, %d areas of %zu bytes (%.0f MB data file), median of %d\n",
-              kAreas, EchoRecordSize(kSystems), data_mb, runs);
+  std::printf("Echomail manager, %d areas of %zu bytes (%.0f MB data file), median of %d\n", kAreas,
+              EchoRecordSize(kSystems), data_mb, runs);
   std::printf("  open the list and leave            %8.2f ms\n", Median(open_ms));
   std::printf("  browse: F5 and %d pages down       %8.2f ms\n", kPages, Median(browse_ms));
   std::printf("  bytes read by the open (the index)  %8.1f kB\n",

@@ -68,7 +68,8 @@ ksDataBase::OpenResult ksDataBase::OpenOnce(const std::string& dir, bool* rebuil
   if (entries + 10 < data_size / record_size_ && !*packed) {
     Close();
     *packed = true;
-    if (PackDataFile(dir, base_, record_size_, keys_, pack)) BuildIndex(dir, base_, record_size_, keys_);
+    if (PackDataFile(dir, base_, record_size_, keys_, pack))
+      BuildIndex(dir, base_, record_size_, keys_);
     *again = true;
     return OpenResult::kFailed;
   }

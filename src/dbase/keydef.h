@@ -11,7 +11,6 @@
 
 namespace ks {
 
-
 inline constexpr int kMaxKeys = 5;
 inline constexpr std::size_t kMaxRecordSize = 10240;  // the record buffer of the engine
 

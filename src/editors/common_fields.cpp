@@ -290,7 +290,9 @@ FieldDef DaysField(FieldDef f, int topic) {
 
 // --- Setting up a list ---------------------------------------------------------------------
 
-void DeclareKeys(ManagerOBJ& mgr, RecordFileId id) { DeclareKeys(mgr, FileDef(id).keys); }
+void DeclareKeys(ManagerOBJ& mgr, RecordFileId id) {
+  DeclareKeys(mgr, FileDef(id).keys);
+}
 
 void DeclareKeys(ManagerOBJ& mgr, const KeySet& keys) {
   for (int i = 0; i < keys.count(); ++i)

@@ -16,9 +16,9 @@
 #include "shell/maintenance.h"
 #include "shell/program.h"
 #include "shell/screens.h"
-#include "tui/picklist.h"
 #include "shell/setupfile.h"
 #include "tui/charchart.h"
+#include "tui/picklist.h"
 #include "tui/screen.h"
 #include "tui/ui.h"
 

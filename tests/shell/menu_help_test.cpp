@@ -27,8 +27,8 @@ std::string TrimRight(std::string s) {
 }
 
 TEST_F(MenuHelpTest, EveryMenuItemTopicIsTitledLikeTheItem) {
-  for (const MenuDef* menu : {&MainMenuDef(), &FileechoMenuDef(), &EchomailMenuDef(),
-                              &UtilitiesMenuDef()}) {
+  for (const MenuDef* menu :
+       {&MainMenuDef(), &FileechoMenuDef(), &EchomailMenuDef(), &UtilitiesMenuDef()}) {
     EXPECT_FALSE(help_.TopicTitle(menu->topic).empty()) << menu->title;
     for (const auto& item : menu->items) {
       if (item.topic == 0) continue;  // F1 shows the menu's own topic

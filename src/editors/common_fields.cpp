@@ -145,6 +145,17 @@ FieldDef MsgAreaField(FieldDef f, int topic) {
 
 // --- Addresses -----------------------------------------------------------------------------
 
+FieldDef OriginField(int col, int row, std::uint16_t offset) {
+  return {.type = Str,
+          .col = col,
+          .row = row,
+          .offset = offset,
+          .size = 60,
+          .prompt = "Origin",
+          .help = "Origin line",
+          .width = kLongWidth};
+}
+
 std::string AkaText(const std::vector<NetAddr>& addresses, std::uint8_t index) {
   if (index < addresses.size() && addresses[index].IsSet()) return FormatAddr(addresses[index]);
   if (index == 0) return "Main address";
@@ -197,29 +208,8 @@ FieldDef InactiveField(int col, int row, std::uint16_t offset) {
 // --- BBS file areas ------------------------------------------------------------------------
 
 std::string FileAreaSetText(const FileAreaSet& set) {
-  std::string text;
-  std::size_t n = 0;
-  while (n < FileAreaSet::kAreas) {
-    if (set.bits[n >> 3] == 0 && (n & 7) == 0) {  // a whole empty byte
-      n += 8;
-      continue;
-    }
-    if (!set.Has(n)) {
-      ++n;
-      continue;
-    }
-    std::size_t last = n;
-    while (last + 1 < FileAreaSet::kAreas && set.Has(last + 1)) ++last;
-    // Written as the group sets are: a run of three or more as a range, a pair as two numbers.
-    if (!text.empty()) text += ',';
-    text += std::to_string(n);
-    if (last - n >= 2)
-      text += '-' + std::to_string(last);
-    else if (last > n)
-      text += ',' + std::to_string(last);
-    n = last + 1;
-  }
-  return text;
+  return NumberRangesText(static_cast<int>(FileAreaSet::kAreas),
+                          [&](int n) { return set.Has(static_cast<std::size_t>(n)); });
 }
 
 FieldDef FileAreasField(FieldDef f) {

@@ -47,6 +47,9 @@ std::string AkaText(const std::vector<NetAddr>& addresses, std::uint8_t index);
 // addresses that are in use.
 FieldDef UseAkaField(FieldDef f, std::vector<NetAddr> addresses);
 
+// The origin line of a message area (a string of 60 characters at `offset`).
+FieldDef OriginField(int col, int row, std::uint16_t offset);
+
 // --- Switches ------------------------------------------------------------------------------
 
 // The "InActive" switch (a byte at `offset`).

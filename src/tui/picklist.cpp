@@ -370,12 +370,12 @@ bool PickFileAreas(FileAreaSet& set) {
                  "~Space~-select ~F2~-(de)select all ~Esc~/~Enter~-done");
 }
 
-std::string GroupSetText(const GroupSet& set) {
+std::string NumberRangesText(int count, const std::function<bool(int)>& has) {
   std::string text;
-  for (int n = 0; n < 256; ++n) {
-    if (!set.Has(static_cast<std::uint8_t>(n))) continue;
+  for (int n = 0; n < count; ++n) {
+    if (!has(n)) continue;
     int last = n;
-    while (last < 255 && set.Has(static_cast<std::uint8_t>(last + 1))) ++last;
+    while (last + 1 < count && has(last + 1)) ++last;
     if (!text.empty()) text += ',';
     text += std::to_string(n);
     if (last - n >= 2)
@@ -385,6 +385,10 @@ std::string GroupSetText(const GroupSet& set) {
     n = last;
   }
   return text;
+}
+
+std::string GroupSetText(const GroupSet& set) {
+  return NumberRangesText(256, [&](int n) { return set.Has(static_cast<std::uint8_t>(n)); });
 }
 
 }  // namespace ks

@@ -77,7 +77,11 @@ std::optional<FileAreaName> PickFileArea(std::uint16_t current);
 // true when it changed.
 bool PickFileAreas(FileAreaSet& set);
 
-// The text of a group set as a field shows it: ranges of numbers, "1-3,7" ("" when empty).
+// The numbers 0..count-1 for which `has` is true, as fields show sets: ascending, a run of
+// three or more as a range, "1-3,7,9,10" ("" when there are none).
+std::string NumberRangesText(int count, const std::function<bool(int)>& has);
+
+// The text of a group set as a field shows it, e.g. "1-3,7".
 std::string GroupSetText(const GroupSet& set);
 
 }  // namespace ks

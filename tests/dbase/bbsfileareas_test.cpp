@@ -25,11 +25,6 @@ std::vector<Area> Load(const std::string& text) {
   return areas;
 }
 
-TEST(BbsFileAreas, FileName) {
-  EXPECT_EQ(BbsFileAreasFileName("/bbs/data"), "/bbs/data/FILEAREA.LST");
-  EXPECT_EQ(BbsFileAreasFileName("/bbs/data/"), "/bbs/data/FILEAREA.LST");
-}
-
 TEST(BbsFileAreas, FieldsAndComments) {
   EXPECT_EQ(Load("; compiled list\n"
                  "\n"

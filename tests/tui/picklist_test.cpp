@@ -134,21 +134,6 @@ TEST_F(PickListTest, ShortListFitsItsRowsAndRestoresTheScreen) {
   EXPECT_TRUE(Dump() == before);
 }
 
-TEST_F(PickListTest, GivenPlaceAndSize) {
-  PickList l = Rows(1000);
-  l.left = 3;
-  l.top = 6;
-  l.width = 12;
-  l.height = 4;
-  vt_.Keys("<PgDn>");
-  EXPECT_THROW(RunPickList(l), KeysExhausted);
-  EXPECT_EQ(vt_.Row(6)[2], '\xC9');  // top-left corner at (3,6)
-  EXPECT_NE(vt_.Row(7).find("Row 0004"), std::string::npos);
-  EXPECT_NE(vt_.Row(10).find("Row 0007"), std::string::npos);
-  EXPECT_EQ(vt_.Row(11)[2], '\xC8');
-  EXPECT_EQ(fetched_, 8);
-}
-
 TEST_F(PickListTest, SpaceAndF2MarkRows) {
   std::vector<bool> marks(5);
   PickList l = Rows(5);
@@ -169,22 +154,6 @@ TEST_F(PickListTest, SpaceAndF2MarkRows) {
   l.current = 4;
   EXPECT_EQ(Run(l, "<Space><Space><Esc>"), -1);  // the last row stays the current one
   EXPECT_FALSE(marks[4]);
-}
-
-TEST_F(PickListTest, MarksShowInTheMarkColumn) {
-  std::vector<bool> marks;  // too short: grows to the rows
-  PickList l = Rows(3);
-  l.marks = &marks;
-  vt_.Keys("<Down><Space>");
-  EXPECT_THROW(RunPickList(l), KeysExhausted);
-  EXPECT_EQ(marks.size(), 3u);
-  EXPECT_TRUE(Shown("\xFB Row 0001"));
-  EXPECT_TRUE(Shown("  Row 0000"));
-}
-
-TEST_F(PickListTest, SpaceInASingleListDoesNothing) {
-  PickList l = Rows(5);
-  EXPECT_EQ(Run(l, "<Space><Space><Enter>"), 0);
 }
 
 TEST_F(PickListTest, TypingSearchesFromTheNextRowAndWraps) {
@@ -257,15 +226,6 @@ TEST_F(PickListTest, EmptyListShowsItsMessage) {
   PickList quiet = Rows(0);
   EXPECT_EQ(RunPickList(quiet), -1);  // no message: no key read
   EXPECT_EQ(fetched_, 0);
-}
-
-TEST_F(PickListTest, F1AsksForTheTopic) {
-  int topic = -1;
-  ui().show_help = [&](int t) { topic = t; };
-  PickList l = Rows(3);
-  l.topic = 17;
-  EXPECT_EQ(Run(l, "<F1><Down><Enter>"), 1);
-  EXPECT_EQ(topic, 17);
 }
 
 // --- Groups and file areas -----------------------------------------------------------------

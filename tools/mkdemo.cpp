@@ -88,6 +88,7 @@ bool WriteDemoLists(const std::string& dir) {
   for (auto& e : echos) {
     e.area.type = ks::mbJam;
     e.area.path = "/var/spool/msgbase/" + e.tag.str();
+    e.options = ks::kEmVisible;
     e.systems[0].address = {2, 280, 1, 0};
   }
   ks::RouteMgrRec route{};

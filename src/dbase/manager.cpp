@@ -148,6 +148,12 @@ void ManagerOBJ::ShowEntry() {
         " " + std::to_string(pos + 1) + "/" + std::to_string(db_->count()) + " ";
     s.WriteStr(left_ + 2, bottom_, c[kWindowTitle], where);
   }
+  if (!key_line.empty()) {
+    const std::string keys = " " + key_line + " ";
+    const int width = Screen::VisibleLength(KeyText(keys, 0, 0));
+    s.WriteStr(right_ - 1 - width, bottom_, c[kWindowTitle],
+               KeyText(keys, c[kWindowTitle], c[kWindowKey]));
+  }
 }
 
 void ManagerOBJ::Run(CompanionFile* companion) {

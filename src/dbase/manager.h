@@ -78,6 +78,9 @@ class ManagerOBJ {
   // writes): Enter, Ins and F6 do nothing.
   bool view_only = false;
   int topic = 0;  // F1
+  // Further keys the manager offers, shown at the right of the window's bottom frame
+  // ("~F2~-global").
+  std::string key_line;
   StartMode start_mode = StartMode::kNone;
   std::vector<std::uint8_t> start_record;  // kEdit: the entry to find (its key fields)
 

@@ -21,18 +21,6 @@ std::string Fit(std::string text, int width) {
 
 // Runs `fields` on `rec` in a framed box of `width` x `height` cells (inside the frame),
 // centred on the desktop, until Esc; the values typed are kept.
-void RunSubPage(std::vector<FieldDef> fields, std::uint8_t* rec, const std::string& title,
-                int width, int height, int topic) {
-  const int left = (80 - width - 2) / 2 + 1;
-  const int top = 5 + (19 - height - 2) / 2;
-  BoxOBJ box(left, top, left + width + 1, top + height + 1, title);
-  box.Draw();
-  EditPage page(std::move(fields));
-  page.topic = topic;
-  page.Draw(rec, left, top);
-  page.Run(rec, left, top);
-  box.Hide();
-}
 
 // A sub-page or list opened by an action field leaves its own help on the status line; the
 // field's help is shown again when it returns.
@@ -47,6 +35,19 @@ FieldDef RestoreStatus(FieldDef f) {
 }
 
 }  // namespace
+
+void RunSubPage(std::vector<FieldDef> fields, std::uint8_t* rec, const std::string& title,
+                int width, int height, int topic) {
+  const int left = (80 - width - 2) / 2 + 1;
+  const int top = 5 + (19 - height - 2) / 2;
+  BoxOBJ box(left, top, left + width + 1, top + height + 1, title);
+  box.Draw();
+  EditPage page(std::move(fields));
+  page.topic = topic;
+  page.Draw(rec, left, top);
+  page.Run(rec, left, top);
+  box.Hide();
+}
 
 // --- Message areas -------------------------------------------------------------------------
 

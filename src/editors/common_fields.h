@@ -22,6 +22,11 @@ namespace ks {
 inline constexpr int kValueCol = 16;
 inline constexpr int kLongWidth = 56;
 
+// A page of `fields` on `rec` in a box of `width` x `height` inner cells titled `title`,
+// centred on the desktop; returns when the page is left.
+void RunSubPage(std::vector<FieldDef> fields, std::uint8_t* rec, const std::string& title,
+                int width, int height, int topic);
+
 // --- Message areas -------------------------------------------------------------------------
 
 // The names of the message base formats, in MsgBaseType order.

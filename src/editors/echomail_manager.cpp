@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "editors/common_fields.h"
+#include "editors/echomail_global.h"
 #include "editors/list_checks.h"
 #include "editors/lists.h"
 
@@ -166,6 +167,8 @@ void RunEchomailManager(const ListContext& ctx) {
   };
   mgr.topic = kTopic;
   mgr.max_entries = 65000;
+  AddEchomailGlobalChange(mgr, kTopic);
+  mgr.key_line = "~F2~-global";
   RunWithCompanion(mgr, ctx, "MAREAS", row_width);
 }
 

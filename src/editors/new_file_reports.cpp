@@ -211,6 +211,7 @@ void RunNewFileReports(const ListContext& ctx) {
   };
   mgr.topic = kTopic;
   mgr.max_entries = 1000;
+  mgr.searchable = false;  // the key is a group set: nothing to type
   RunWithCompanion(mgr, ctx, "REPORTS", row_width);
 }
 

@@ -46,6 +46,21 @@ void DrawDesktop() {
   ShowStatus("");
 }
 
+std::string KeyText(std::string_view text, std::uint8_t normal, std::uint8_t key) {
+  std::string line;
+  bool in_key = false;
+  for (char ch : text) {
+    if (ch == '~') {
+      in_key = !in_key;
+      line += kColourEscape;
+      line += static_cast<char>(in_key ? key : normal);
+    } else {
+      line += ch;
+    }
+  }
+  return line;
+}
+
 void ShowStatus(std::string_view text) {
   Screen& s = scr();
   const auto& c = ui().colours;
@@ -53,18 +68,8 @@ void ShowStatus(std::string_view text) {
     s.FillRect(1, s.Height(), s.Width(), s.Height(), ' ', c[kBottomLine]);
     return;
   }
-  std::string line;
-  bool key = false;
-  for (char ch : text) {
-    if (ch == '~') {
-      key = !key;
-      line += kColourEscape;
-      line += static_cast<char>(key ? c[kBottomKey] : c[kBottomText]);
-    } else {
-      line += ch;
-    }
-  }
-  s.WriteStr(1, s.Height(), c[kBottomText], line, s.Width());
+  s.WriteStr(1, s.Height(), c[kBottomText], KeyText(text, c[kBottomText], c[kBottomKey]),
+             s.Width());
 }
 
 void RequestHelp(int topic) {

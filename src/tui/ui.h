@@ -44,6 +44,9 @@ inline constexpr int kHeaderRows = 4;
 void DrawDesktop();
 void DrawHeader();
 
+// `text` with each "~" turned into a switch between the `normal` and the `key` colour.
+std::string KeyText(std::string_view text, std::uint8_t normal, std::uint8_t key);
+
 // The status line on the last row, across the full width. Each "~" toggles between the status
 // text colour and the key colour and is not shown itself.
 void ShowStatus(std::string_view text);

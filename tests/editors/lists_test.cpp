@@ -11,6 +11,9 @@
 #include <vector>
 
 #include "common/recordext.h"
+#include "dbase/database.h"
+#include "dbase/fileecho_rec.h"
+#include "dbase/recfiles.h"
 #include "editors/common_fields.h"
 #include "editors/list_checks.h"
 #include "editors/lists.h"
@@ -329,6 +332,42 @@ TEST(ListFields, FileAreaSetText) {
   EXPECT_EQ(FileAreaSetText(set), "");
   for (int n : {0, 7, 8, 9, 15, 16, 63998, 63999}) set.Set(n, true);
   EXPECT_EQ(FileAreaSetText(set), "0,7-9,15,16,63998,63999");
+}
+
+TEST_F(ListsTest, EchomailGlobalChangeSetsGroupAndSwitchesOnMarkedAreas) {
+  ctx_.systems_per_area = 2;
+  const std::size_t size = EchoRecordSize(2);
+  {
+    ksDataBase db("MAREAS", size, FileDef(RecordFileId::kMAreas).keys);
+    ASSERT_EQ(db.Open(dir_.path()), ksDataBase::OpenResult::kOk);
+    for (const char* tag : {"A.ONE", "B.TWO", "C.THREE"}) {
+      EchoMGRrec r{};
+      r.tag = tag;
+      r.group = 1;
+      r.options = kEmVisible;
+      r.area.type = mbJam;
+      r.systems[0].address = {2, 280, 1, 0};
+      ASSERT_TRUE(db.Insert(reinterpret_cast<const std::uint8_t*>(&r)));
+    }
+  }
+  // Mark A.ONE and C.THREE; group 2, InActive on, Visible off.
+  vt_.Keys("<F2><Space><Down><Space><Esc><Enter>"
+           "2<Down><Space><Down><Down><Space><Space><Esc>");
+  EXPECT_THROW(RunEchomailManager(ctx_), KeysExhausted);
+  EXPECT_TRUE(Shown("2 of 2 marked areas changed"));
+  const auto a = Record<EchoMGRrec>("MAREAS", 0, size);
+  const auto b = Record<EchoMGRrec>("MAREAS", 1, size);
+  const auto c = Record<EchoMGRrec>("MAREAS", 2, size);
+  EXPECT_EQ(a.group + 0, 2);
+  EXPECT_EQ(a.options + 0, kEmInactive);
+  EXPECT_EQ(b.group + 0, 1) << "not marked";
+  EXPECT_EQ(b.options + 0, kEmVisible);
+  EXPECT_EQ(c.group + 0, 2);
+  EXPECT_EQ(c.systems[0].address.net + 0, 280) << "connected systems left alone";
+  // The same change again alters nothing, and says so.
+  vt_.Keys("<F2><Space><Esc><Enter>2<Down><Space><Esc>");
+  EXPECT_THROW(RunEchomailManager(ctx_), KeysExhausted);
+  EXPECT_TRUE(Shown("0 of 1 marked areas changed"));
 }
 
 }  // namespace

@@ -295,7 +295,7 @@ TEST_F(ManagerTest, BrowsePicksAnEntryAndReadsOnlyShownRows) {
   ksDataBase db("TEST", kLayout.size, kLayout.Keys());
   ASSERT_EQ(db.Open(dir_.path()), ksDataBase::OpenResult::kOk);
   for (int i = 0; i < 1000; ++i) {
-    char tag[8];
+    char tag[16];
     std::snprintf(tag, sizeof tag, "T%04d", i);
     ASSERT_TRUE(db.Insert(kLayout.Rec(tag, 1).data()));
   }

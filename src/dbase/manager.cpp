@@ -160,7 +160,12 @@ void ManagerOBJ::Run(CompanionFile* companion) {
   db_ = std::make_unique<ksDataBase>(base_, record_size_, keys_);
   db_->unique = unique;
   db_->pack = pack;
-  if (db_->Open(dir_) != ksDataBase::OpenResult::kOk) {
+  const ksDataBase::OpenResult opened = db_->Open(dir_);
+  if (opened != ksDataBase::OpenResult::kOk) {
+    // A corrupt data file has had its message; a file that cannot be opened or created (a
+    // data path that does not exist, no permission) gets one here.
+    if (opened == ksDataBase::OpenResult::kFailed)
+      ErrorBox("/Unable to open " + DataFileName(dir_, base_));
     db_.reset();
     return;
   }

@@ -234,6 +234,14 @@ TEST_F(ManagerTest, LimitMessageText) {
   EXPECT_TRUE(Shown("You can not enter more than 1 entries"));
 }
 
+TEST_F(ManagerTest, AListThatCannotBeOpenedSaysSo) {
+  ManagerOBJ m(dir_ / "missing/", "TEST", kLayout.size, 5, 6, 60, 12, "T");
+  m.AddKey("tag", Str, 0, 21);
+  vt_.Keys("");
+  EXPECT_THROW(m.Run(nullptr), KeysExhausted);
+  EXPECT_TRUE(Shown("Unable to open " + dir_.path() + "missing/TEST.KSX"));
+}
+
 TEST_F(ManagerTest, HelpLineFollowsWhatTheEditorOffers) {
   Seed({"ALPHA"});
   auto m = Make();

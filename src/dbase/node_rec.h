@@ -74,6 +74,20 @@ struct NodeMGRidx {
   NetAddr address;
   std::uint16_t recno = 0;
 };
+// The values a new system starts with (the node manager's defaults page, F3). Kept in the
+// system configuration.
+struct NodeDefaults {
+  GroupSet groups;                    // 0 "Authorized groups"
+  std::uint8_t fileAttachStatus = 0;  // 32 FlowStatus
+  std::uint8_t otherMailStatus = 0;   // 33 FlowStatus
+  std::uint8_t ticMode = 0;           // 34 TicFileMode
+  std::uint8_t packMode = 0;          // 35 PackingMode
+  std::uint8_t compression = 0;       // 36 0 = none, 1..10 = archiver row
+  std::uint16_t options = 0;          // 37 kNodeIncludeTemplate, kNodeSendNotifyList,
+                                      //    kNodeForwardRequests, kNodeAllowAutoAdd,
+                                      //    kNodeRemoteMaint
+  std::uint8_t reserved39[9] = {};
+};
 #pragma pack(pop)
 static_assert(sizeof(NodeMGRrec) == 398);
 static_assert(offsetof(NodeMGRrec, sysop) == 8 && offsetof(NodeMGRrec, ticPassword) == 44);
@@ -85,5 +99,7 @@ static_assert(offsetof(NodeMGRrec, groups) == 65 && offsetof(NodeMGRrec, options
 static_assert(offsetof(NodeMGRrec, credit) == 203 && offsetof(NodeMGRrec, billGroups) == 289);
 static_assert(offsetof(NodeMGRrec, membershipFee) == 345);
 static_assert(sizeof(NodeMGRidx) == 10);
+
+static_assert(sizeof(NodeDefaults) == 48 && offsetof(NodeDefaults, options) == 37);
 
 }  // namespace ks

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "common/netaddr.h"
+#include "dbase/node_rec.h"
 
 namespace ks {
 
@@ -15,6 +16,13 @@ struct ListContext {
   std::string work_dir;            // temporary files, with a trailing "/"
   std::vector<NetAddr> addresses;  // the system's addresses: main, then aka 1.. (zone 0 = unused)
   int systems_per_area = 200;      // connected systems a FAREAS/MAREAS record holds
+  // The archivers of "External programs", rows 1..10 (their extensions, or ARC, ARJ, LZH, PAK,
+  // ZIP, SQZ, 7, 8, 9, 10 where none is set): what "Convert" and "Compression type" offer.
+  std::vector<std::string> archivers;
+  // The configured BBS keeps a file database of its own (log style WildCat): the fileecho page
+  // has its "Use FDB"/"Use FBBS" row and "No Touch" does not apply.
+  bool bbs_file_database = false;
+  NodeDefaults* node_defaults = nullptr;  // in the configuration; edited by F3 of the nodes
 };
 
 // The companion file of the list kept in `base`: a temporary file in the work directory,

@@ -17,6 +17,7 @@
 #include "common/le.h"
 #include "common/netaddr.h"
 #include "common/pstr.h"
+#include "dbase/node_rec.h"
 
 namespace ks {
 
@@ -347,7 +348,8 @@ struct KESTRAcfg {
   std::uint8_t reserved14963[155] = {};
   std::uint8_t logMask = 0;  // "Log detail": one bit per kind of log line; never 0 (0 reads
                              // as 255, everything)
-  std::uint8_t reserved15119[239] = {};
+  NodeDefaults nodeDefaults = {};  // the node manager's "Edit defaults" (F3)
+  std::uint8_t reserved15167[191] = {};
   PStr<60> tagPath = {};            // "Tag path": uplink tag file (empty = program directory)
   std::uint8_t useAkaMatching = 0;  // "Use aka matching": apply the "Aka matching" table
   std::uint8_t echoMailOption = 0;  // "Echomail options": handed to the echomail area file
@@ -441,6 +443,7 @@ static_assert(offsetof(KESTRAcfg, confirmDelete) == 14887);
 static_assert(offsetof(KESTRAcfg, beepOnError) == 14888);
 static_assert(offsetof(KESTRAcfg, createMissingDirs) == 14889);
 static_assert(offsetof(KESTRAcfg, logMask) == 15118);
+static_assert(offsetof(KESTRAcfg, nodeDefaults) == 15119);
 static_assert(offsetof(KESTRAcfg, tagPath) == 15358);
 static_assert(offsetof(KESTRAcfg, useAkaMatching) == 15419);
 static_assert(offsetof(KESTRAcfg, echoMailOption) == 15420);

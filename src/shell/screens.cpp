@@ -18,6 +18,14 @@ ListContext MakeListContext() {
   ctx.work_dir = AddSlash(p.work_dir.empty() ? p.exe_path : p.work_dir);
   ctx.addresses.assign(std::begin(p.cfg->addresses), std::end(p.cfg->addresses));
   ctx.systems_per_area = p.cfg->numberOfSystems;
+  static const char* const kArchiverNames[kArchiverCount] = {"ARC", "ARJ", "LZH", "PAK", "ZIP",
+                                                             "SQZ", "7",   "8",   "9",   "10"};
+  for (std::size_t i = 0; i < kArchiverCount; ++i) {
+    const std::string ext = p.cfg->dosPrograms.archivers[i].extension.str();
+    ctx.archivers.push_back(ext.empty() ? kArchiverNames[i] : ext);
+  }
+  ctx.bbs_file_database = p.cfg->logStyle == lsWildCat;
+  ctx.node_defaults = &p.cfg->nodeDefaults;
   return ctx;
 }
 

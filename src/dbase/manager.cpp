@@ -599,6 +599,19 @@ bool ViewMgrOBJ::ChooseMarks(std::vector<bool>& marks) {
     return false;
   }
   PickList list = List(&marks);
+  if (mgr_.mark_filter) {
+    list.key_line += " ~F3~-filter";
+    list.on_key = [&](std::uint8_t scan) {
+      if (scan != key::kF3) return false;
+      const auto passes = mgr_.mark_filter();
+      if (!passes) return true;
+      std::vector<std::uint8_t> rec(mgr_.record_size_);
+      for (int i = 0; i < mgr_.db_->count(); ++i)
+        if (mgr_.db_->ReadRecord(i, rec.data()) && passes(rec.data()))
+          marks[static_cast<std::size_t>(i)] = true;
+      return true;
+    };
+  }
   RunPickList(list);
   return true;
 }

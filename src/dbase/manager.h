@@ -101,6 +101,10 @@ class ManagerOBJ {
   std::function<bool()> global_ok;
   std::function<bool(std::uint8_t* rec)> global_edit;
   std::function<void(int marked, int changed)> global_done;
+  // A filter for choosing the entries of a global change: F3 in the marking list calls it; it
+  // asks what to look for and returns the test a record must pass (empty to cancel), and
+  // every entry that passes is marked.
+  std::function<std::function<bool(const std::uint8_t* rec)>()> mark_filter;
   // ViewPicFuncType: the text of a browse cell; empty function = the column's field as text.
   std::function<std::string(const std::uint8_t* rec, int column)> cell;
 

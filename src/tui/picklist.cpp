@@ -207,7 +207,10 @@ void PickRunner::HandleScan(std::uint8_t scan) {
       if (multi()) ToggleAll();
       break;
     default:
-      HandleCommonKey(scan, l_.topic);
+      if (l_.on_key && l_.on_key(scan))
+        ShowStatus(l_.key_line);  // a window the key opened may have left its own
+      else
+        HandleCommonKey(scan, l_.topic);
   }
 }
 

@@ -29,6 +29,8 @@ struct PickList {
   // Typing a character opens "Enter string to search for : " with it; the search returns the
   // row found from `from` on, or -1. By default rows are compared, case folded, by their start.
   std::function<int(std::string_view text, int from)> search;
+  // Further extended keys (scan codes); true when handled (marks may have changed).
+  std::function<bool(std::uint8_t scan)> on_key;
   int current = 0;  // the highlighted row, in and out
   // Box: `width` inner columns (0 = widest row, at most the screen), up to `height` rows
   // (0 = as many as fit); centred unless left/top are given.

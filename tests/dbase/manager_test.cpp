@@ -355,6 +355,23 @@ TEST_F(ManagerTest, GlobalChangeAppliesToMarkedEntriesAndCounts) {
   EXPECT_EQ(Record(3), kLayout.Rec("DELTA", 1, 3));
 }
 
+TEST_F(ManagerTest, MarkFilterMarksTheEntriesThatPass) {
+  Seed({"ALPHA", "BETA", "BRAVO", "DELTA"});
+  auto m = Make();
+  std::vector<std::string> seen;
+  m->global_edit = [&](std::uint8_t* rec) {
+    seen.emplace_back(reinterpret_cast<const char*>(rec + 1), rec[0]);
+    return false;
+  };
+  m->mark_filter = [] {
+    return [](const std::uint8_t* rec) { return rec[1] == 'B'; };
+  };
+  Stop(*m, "<F2>");
+  EXPECT_TRUE(Shown("F3-filter"));
+  Run(*m, "<F2><F3><Esc><Enter><Esc>");
+  EXPECT_EQ(seen, (std::vector<std::string>{"BETA", "BRAVO"}));
+}
+
 TEST_F(ManagerTest, GlobalChangeNoProcessesNothing) {
   Seed({"ALPHA"});
   auto m = Make();

@@ -66,6 +66,7 @@ bench: build
 	$(BUILD)/bench_startup $(BUILD)/ksetup $(BUILD)
 	$(BUILD)/bench_dbase
 	$(BUILD)/bench_list
+	$(BUILD)/bench_propagation
 
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')

@@ -11,7 +11,9 @@ void RunBbsFileAreas(const ListContext& ctx);     // BBSAREAS
 void RunAllfilesLists(const ListContext& ctx);    // ALLFILES
 void RunHatchManager(const ListContext& ctx);     // HATCH
 void RunEchomailManager(const ListContext& ctx);  // MAREAS
+void RunFileechoManager(const ListContext& ctx);  // FAREAS
 void RunPackManager(const ListContext& ctx);      // netmail routing
 void RunUplinkRequests(const ListContext& ctx);   // requests sent to uplinks
+void RunNodeManager(const ListContext& ctx);      // NODEFILE
 
 }  // namespace ks

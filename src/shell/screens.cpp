@@ -57,6 +57,8 @@ void RegisterScreens() {
   Fill(acts.main[kNewFileReports], List(RunNewFileReports));
   Fill(acts.main[kBbsFileareas], List(RunBbsFileAreas));
   Fill(acts.main[kAllfilesLists], List(RunAllfilesLists));
+  Fill(acts.main[kNodeManager], List(RunNodeManager));
+  Fill(acts.fileecho[1], List(RunFileechoManager));
   Fill(acts.fileecho[4], List(RunHatchManager));
   Fill(acts.echomail[1], List(RunEchomailManager));
   Fill(acts.echomail[3], List(RunPackManager));

@@ -1,0 +1,411 @@
+// The fileecho manager: what its pages write into FAREAS, the checks on saving and where they
+// leave the cursor, the moving of files to a new destination, the hatch and magic entries a
+// deleted fileecho takes along, the connected systems and the global edit.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "common/recordext.h"
+#include "dbase/database.h"
+#include "dbase/fileecho_rec.h"
+#include "dbase/recfiles.h"
+#include "dbase/recordfile.h"
+#include "editors/fileecho_parts.h"
+#include "editors/lists.h"
+#include "tempdir.h"
+#include "tui/colours.h"
+#include "tui/picklist.h"
+#include "tui/ui.h"
+#include "vt_fixture.h"
+
+namespace ks {
+namespace {
+
+constexpr int kSystems = 3;
+constexpr const char* kAdd = "<Enter>";        // "Would you like to add one?"
+constexpr const char* kSave = "<Esc><Enter>";  // leave the page, "Save changes?" Yes
+
+std::string Downs(int n) {
+  std::string s;
+  for (int i = 0; i < n; ++i) s += "<Down>";
+  return s;
+}
+
+class FileechoTest : public test::VtTest {
+ protected:
+  FileechoTest() {
+    record_extensions() = {"KSX", "IDX"};
+    ctx_.data_dir = ctx_.work_dir = dir_.path();
+    ctx_.addresses = {{2, 280, 5555, 0}};
+    ctx_.systems_per_area = kSystems;
+    ctx_.archivers = {"ARC", "ARJ", "LZH", "PAK", "ZIP", "SQZ", "7", "8", "9", "10"};
+    std::filesystem::create_directories(dir_ / "old");
+    std::filesystem::create_directories(dir_ / "new");
+    group_source() = [] { return std::vector<GroupName>{{1, "Net"}, {2, "Utils"}}; };
+    const std::string base = dir_.path();
+    file_area_source() = [base] {
+      return std::vector<FileAreaName>{{1, base + "old", "Old"}, {2, base + "new/", "New"}};
+    };
+  }
+  ~FileechoTest() override {
+    group_source() = nullptr;
+    file_area_source() = nullptr;
+    record_extensions() = {};
+  }
+
+  // Adds fileechos to FAREAS before the manager opens it.
+  void Seed(const std::vector<FileMGRrec>& recs) {
+    ksDataBase db("FAREAS", FileechoRecordSize(kSystems), FileDef(RecordFileId::kFAreas).keys);
+    ASSERT_EQ(db.Open(dir_.path()), ksDataBase::OpenResult::kOk);
+    for (const auto& r : recs) ASSERT_TRUE(db.Insert(reinterpret_cast<const std::uint8_t*>(&r)));
+  }
+  static FileMGRrec Echo(const char* tag, const std::string& dest, std::uint8_t group = 1,
+                         std::uint16_t options = kFeVisible) {
+    FileMGRrec r{};
+    r.tag = tag;
+    r.destination = dest;
+    r.group = group;
+    r.options = options;
+    return r;
+  }
+  // Record `n` of FAREAS.KSX in index order of insertion (record number).
+  FileMGRrec Rec(int n) {
+    std::ifstream in(dir_ / "FAREAS.KSX", std::ios::binary);
+    const std::string data{std::istreambuf_iterator<char>(in), {}};
+    const std::size_t size = FileechoRecordSize(kSystems);
+    FileMGRrec r{};
+    EXPECT_GE(data.size(), (n + 1) * size);
+    if (data.size() >= (n + 1) * size)
+      std::memcpy(static_cast<void*>(&r), data.data() + n * size, size);
+    return r;
+  }
+  int Records() {
+    return static_cast<int>(std::filesystem::file_size(dir_ / "FAREAS.KSX") /
+                            FileechoRecordSize(kSystems));
+  }
+  // Runs the manager until the key script is used up or the manager is left.
+  void Run(const std::string& keys) {
+    vt_.Keys(keys);
+    try {
+      RunFileechoManager(ctx_);
+    } catch (const KeysExhausted&) {
+    }
+  }
+  bool Shown(const std::string& text) const { return vt_.Contains(text); }
+  bool StatusHas(const std::string& text) const {
+    return vt_.Row(25).find(text) != std::string::npos;
+  }
+  // What the advanced page shows for the switch on page row `row` (screen rows 4..22).
+  std::string AdvancedValue(int row) const { return vt_.Row(2 + row).substr(44, 3); }
+
+  test::TempDir dir_;
+  ListContext ctx_;
+};
+
+TEST_F(FileechoTest, NewFileechoLandsInTheRecordWithItsDefaults) {
+  Run(std::string(kAdd) + "utils<Enter>Utilities<Enter>" + dir_ / "new" +
+      "<Enter>2<Enter>-1<Enter><Down>FILES.APL<Enter><Space><Space><Down>" + Downs(4) +
+      "1825<Enter>100<Enter>500<Enter>" + kSave + "<Esc>");
+  ASSERT_EQ(Records(), 1);
+  const FileMGRrec r = Rec(0);
+  EXPECT_EQ(r.tag.str(), "UTILS");
+  EXPECT_EQ(r.description.str(), "Utilities");
+  EXPECT_EQ(r.destination.str(), dir_ / "new/");
+  EXPECT_EQ(r.group + 0, 2);
+  EXPECT_EQ(r.keep + 0, -1);
+  EXPECT_EQ(r.templateFile.str(), "FILES.APL");
+  EXPECT_EQ(r.longDesc + 0, ldLdescNormal);
+  EXPECT_EQ(r.maxDays + 0, 1825);
+  EXPECT_EQ(r.maxSize + 0, 100);
+  EXPECT_EQ(r.maxFiles + 0, 500);
+  EXPECT_EQ(r.options + 0, kFeAnnounce | kFeDupeCheck | kFeVisible);
+  EXPECT_EQ(r.options2 + 0, 0);
+}
+
+TEST_F(FileechoTest, FileDatabaseRowOnlyForABbsWithItsOwnDatabase) {
+  Seed({Echo("ONE", dir_ / "old/")});
+  Run("");
+  EXPECT_FALSE(Shown("Use FDB"));
+  EXPECT_EQ(vt_.Row(10).substr(5, 6), "Keep #");  // window row 6
+  EXPECT_EQ(vt_.Row(15).substr(5, 7), "Systems");
+  EXPECT_NE(vt_.Row(21).find("F2-global F3-advanced"), std::string::npos);
+  ctx_.bbs_file_database = true;
+  Run("");
+  EXPECT_EQ(vt_.Row(10).substr(5, 7), "Use FDB");
+  EXPECT_EQ(vt_.Row(10).substr(34, 8), "Use FBBS");
+  EXPECT_EQ(vt_.Row(11).substr(5, 6), "Keep #");
+  EXPECT_NE(vt_.Row(22).find("F3-advanced"), std::string::npos) << "frame one row lower";
+}
+
+TEST_F(FileechoTest, SavingChecksTagThenDestinationAndReturnsToTheField) {
+  // No tag: the message, then the cursor on the tag.
+  Run(std::string(kAdd) + "<Down>Desc" + kSave);
+  EXPECT_TRUE(Shown("You must specify a fileecho name"));
+  Run(std::string(kAdd) + "<Down>Desc" + kSave + "<Enter>");
+  EXPECT_TRUE(StatusHas("Fileecho tag"));
+  // A tag but no destination: the cursor on "Dest".
+  Run(std::string(kAdd) + "ONE" + kSave);
+  EXPECT_TRUE(Shown("You must specify a valid destination directory"));
+  Run(std::string(kAdd) + "ONE" + kSave + "<Enter>");
+  EXPECT_TRUE(StatusHas("Destination directory"));
+  EXPECT_TRUE(StatusHas("F6-list of BBS file areas"));
+  EXPECT_EQ(Records(), 0);
+  // A pass-through fileecho needs none.
+  Run(std::string(kAdd) + "PASS" + Downs(10) + "<Enter>" + Downs(4) + "<Space><Esc>" + kSave +
+      "<Esc>");
+  ASSERT_EQ(Records(), 1);
+  EXPECT_TRUE(Rec(0).Has(kFePassThrough));
+  EXPECT_TRUE(Rec(0).destination.empty());
+}
+
+TEST_F(FileechoTest, WarningsDoNotStopTheSave) {
+  ctx_.bbs_file_database = true;
+  std::filesystem::create_directories(dir_ / "elsewhere");
+  Seed({Echo("ONE", dir_ / "elsewhere/")});
+  // Use FDB with a destination that no file area has, and the destination of ONE: one
+  // warning after the other, then the save.
+  const std::string keys =
+      "<Ins>TWO<Down><Down>" + dir_ / "elsewhere" + "<Enter><Down><Space>" + kSave;
+  Run(keys);
+  EXPECT_TRUE(Shown("Could not find destination directory"));
+  EXPECT_TRUE(Shown("in filearea database"));
+  Run(keys + "<Enter>");
+  EXPECT_TRUE(Shown("This destination directory is also"));
+  EXPECT_TRUE(Shown("used in at least one other fileecho"));
+  Run(keys + "<Enter><Enter><Esc>");
+  ASSERT_EQ(Records(), 2);
+  EXPECT_TRUE(Rec(1).Has(kFeUseFdb));
+  // F6 on "Dest" takes the path of a file area, which the database then knows.
+  Run("<Ins>THREE<Down><Down><F6><Down><Enter><Down><Down><Space>" + std::string(kSave));
+  EXPECT_FALSE(Shown("Could not find destination directory"));
+  Run("<Esc>");
+  ASSERT_EQ(Records(), 3);
+  EXPECT_EQ(Rec(2).destination.str(), dir_ / "new/");
+}
+
+TEST_F(FileechoTest, ChangedDestinationMovesTheListedFiles) {
+  Seed({Echo("ONE", dir_ / "old/")});
+  dir_.Write("old/FILES.BBS",
+             "a.zip  First file\r\n  continued description\r\n; a comment\r\n"
+             "B.ZIP  Second file\r\n\r\nmissing.zip  Not there\r\n-- separator\r\n");
+  for (const char* name : {"a.zip", "b.zip", "c.zip"}) dir_.Write(std::string("old/") + name, "x");
+  // Editing without touching the destination asks nothing.
+  Run("<Enter><Down>Other" + std::string(kSave) + "<Esc>");
+  EXPECT_FALSE(Shown("Would you like to move the files to"));
+  const std::string keys = "<Enter><Down><Down>" + dir_ / "new" + kSave;
+  Run(keys);
+  EXPECT_TRUE(Shown("Would you like to move the files to"));
+  EXPECT_TRUE(Shown("the new location?"));
+  Run(keys + "<Enter>");
+  EXPECT_TRUE(Shown("Moved 2 file(s)."));
+  EXPECT_TRUE(Shown("Only files in listed in the File database have been moved."));
+  EXPECT_TRUE(Shown("The other files and the old File database have not been deleted."));
+  EXPECT_TRUE(dir_.Has("new/a.zip") && dir_.Has("new/b.zip"));
+  EXPECT_TRUE(dir_.Has("old/c.zip") && dir_.Has("old/FILES.BBS"));
+  EXPECT_FALSE(dir_.Has("old/a.zip"));
+  // Again, answering No: the record is saved and the files stay where they are.
+  dir_.Write("old/a.zip", "y");
+  Run(keys + "<Tab><Enter><Esc>");
+  EXPECT_TRUE(dir_.Has("old/a.zip"));
+  EXPECT_EQ(Rec(0).destination.str(), dir_ / "new/");
+}
+
+TEST(FileechoFiles, FilesBbsNamesSkipsContinuationsAndComments) {
+  EXPECT_EQ(fileecho::FilesBbsNames("A.ZIP desc\n +more\n\tmore\n;c\n-c\n\nB.ARJ\r\nC.LZH\t1\n"),
+            (std::vector<std::string>{"A.ZIP", "B.ARJ", "C.LZH"}));
+}
+
+TEST_F(FileechoTest, AdvancedPageNotApplicableSwitchesAndAddFileIdBits) {
+  FileMGRrec pass = Echo("PASS", "", 1, kFePassThrough);
+  FileMGRrec diz = Echo("DIZ", dir_ / "old/");
+  diz.longDesc = ldFileIdNormal;
+  Seed({pass, diz});
+  // DIZ comes first; F3 opens its advanced page: Add FILE_ID "Yes", then "Always".
+  Run("<F3>" + Downs(7) + "<Space><Esc>");
+  FileMGRrec r = Rec(1);
+  EXPECT_EQ(r.options & kFeAddFileId, kFeAddFileId);
+  EXPECT_EQ(r.options2 & kFe2AddFileIdAlways, 0);
+  Run("<F3>" + Downs(7) + "<Space><Esc>");
+  r = Rec(1);
+  EXPECT_EQ(r.options & kFeAddFileId, kFeAddFileId);
+  EXPECT_EQ(r.options2 & kFe2AddFileIdAlways, kFe2AddFileIdAlways);
+  Run("<F3>" + Downs(7) + "<Space><Esc>");
+  r = Rec(1);
+  EXPECT_EQ((r.options & kFeAddFileId) | (r.options2 & kFe2AddFileIdAlways), 0) << "back to No";
+  // The pass-through fileecho: its local switches and Add FILE_ID (LongDesc Normal) are n/a.
+  Run("<Right><F3>");
+  EXPECT_EQ(AdvancedValue(6), "Yes") << "Pass through";
+  for (int row : {7, 14, 16, 17, 18}) EXPECT_EQ(AdvancedValue(row), "n/a") << row;
+  EXPECT_EQ(AdvancedValue(9), "n/a") << "Add FILE_ID";
+  EXPECT_EQ(AdvancedValue(10), "No ") << "Virus scan";
+  // Skipping them: six times Down from Convert lands on Virus scan.
+  Run("<Right><F3>" + Downs(6) + "<Space><Esc>");
+  EXPECT_EQ(Rec(0).options & kFeVirusScan, kFeVirusScan);
+  // With a BBS file database "No Touch" never applies.
+  ctx_.bbs_file_database = true;
+  Run("<F3>");
+  EXPECT_EQ(AdvancedValue(14), "n/a");
+  EXPECT_EQ(AdvancedValue(7), "No ") << "Allow replace";
+}
+
+TEST_F(FileechoTest, AutoAddedMarker) {
+  FileMGRrec r = Echo("AUTO", dir_ / "old/");
+  r.options2 = kFe2AutoAdded;
+  Seed({r, Echo("PLAIN", dir_ / "new/")});
+  Run("");
+  EXPECT_TRUE(Shown("auto-added"));
+  EXPECT_EQ(vt_.AttrOf("auto-added"), ui().colours[kWindowSelect]);
+  Run("<Right>");
+  EXPECT_FALSE(Shown("auto-added"));
+}
+
+TEST_F(FileechoTest, DeleteRemovesHatchAndMagicEntriesOnlyOnYes) {
+  Seed({Echo("ONE", dir_ / "old/"), Echo("TWO", dir_ / "new/")});
+  {
+    MagicFileMgrRec m{};
+    {
+      ksDataBase h("HATCH", sizeof(HatchMGRrec), FileDef(RecordFileId::kHatch).keys);
+      ksDataBase g("MGICFILE", sizeof(MagicFileMgrRec), FileDef(RecordFileId::kMagic).keys);
+      ASSERT_EQ(h.Open(dir_.path()), ksDataBase::OpenResult::kOk);
+      ASSERT_EQ(g.Open(dir_.path()), ksDataBase::OpenResult::kOk);
+      for (const char* area : {"ONE", "TWO", "one"}) {
+        HatchMGRrec e{};
+        e.area = area;
+        e.fileSpec = "x";
+        ASSERT_TRUE(h.Insert(reinterpret_cast<const std::uint8_t*>(&e)));
+      }
+      for (auto [from, to] : {std::pair{"ONE", "X"}, {"X", "ONE"}, {"TWO", "X"}}) {
+        m.mask = std::string("M") + from + to;
+        m.fromArea = from;
+        m.toArea = to;
+        ASSERT_TRUE(g.Insert(reinterpret_cast<const std::uint8_t*>(&m)));
+      }
+    }
+  }
+  Run("<Del><Tab><Enter>");
+  EXPECT_TRUE(Shown("Delete hatch and magic filename entries"));
+  EXPECT_TRUE(Shown("for this fileecho?"));
+  // "Delete this entry?" Yes, then No to the hatch and magic question.
+  Run("<Del><Tab><Enter><Tab><Enter>");
+  THatchFile hatch;
+  TMagicFile magic;
+  ASSERT_TRUE(hatch.Open(dir_.path()) && magic.Open(dir_.path()));
+  EXPECT_EQ(hatch.Count() + 0, 3);
+  EXPECT_EQ(magic.Count() + 0, 3);
+  hatch.Close();
+  magic.Close();
+  // TWO is left; deleting it with Yes takes its entries along.
+  Run("<Del><Tab><Enter><Enter>");
+  EXPECT_TRUE(Shown("Removed 2 hatch and magicfile name entries"));
+  ASSERT_TRUE(hatch.Open(dir_.path()) && magic.Open(dir_.path()));
+  EXPECT_EQ(hatch.Count() + 0, 2);
+  EXPECT_EQ(magic.Count() + 0, 2);
+  HatchMGRrec h;
+  for (int i = 0; i < hatch.Count(); ++i)
+    EXPECT_TRUE(hatch.ReadRecord(i, h) && h.area.str() != "TWO");
+}
+
+TEST_F(FileechoTest, ConnectedSystemsAreAddedEditedAndRemoved) {
+  Seed({Echo("ONE", dir_ / "old/")});
+  const std::string to_systems = "<Enter>" + Downs(15) + "<Enter>";
+  const std::string three = to_systems + "<Ins>2:280/1<Esc>" +  // defaults
+                            "<Ins>2:280/2<Down><Space><Down><Space>" +
+                            Downs(4) +               // Send off, Pause on
+                            "<Space><Esc>" +         // Msg status None
+                            "<Ins>1:1/1<Esc><Ins>";  // the list is full
+  Run(to_systems + "<Ins>2:280/1<Esc><Ins>2:280/1<Esc>");
+  EXPECT_TRUE(Shown("This system is already connected to this fileecho"));
+  Run(three);
+  EXPECT_TRUE(Shown("There is no room for more systems in this fileecho"));
+  EXPECT_EQ(Records(), 1);
+  EXPECT_FALSE(Rec(0).systems[0].address.IsSet()) << "nothing saved yet";
+  Run(three + "<Enter><Home><Del><Tab><Enter><Esc>" + kSave + "<Esc>");
+  const FileMGRrec r = Rec(0);
+  EXPECT_EQ(r.systems[0].address, (NetAddr{2, 280, 2, 0}));
+  EXPECT_EQ(r.systems[0].flags + 0, kSysPause | (msNone << kSysStatusShift));
+  EXPECT_EQ(r.systems[1].address, (NetAddr{1, 1, 1, 0}));
+  EXPECT_EQ(r.systems[1].flags + 0, fileecho::kNewSystemFlags);
+  EXPECT_FALSE(r.systems[2].address.IsSet()) << "the freed slot is at the end";
+}
+
+class FileechoGlobalTest : public FileechoTest {
+ protected:
+  FileechoGlobalTest() {
+    FileMGRrec a = Echo("A", dir_ / "a/", 1, kFeVisible);
+    FileMGRrec b = Echo("B", dir_ / "b/", 2, 0);
+    FileMGRrec c = Echo("C", dir_ / "c/", 1, 0);
+    a.systems[0] = {{2, 280, 1, 0}, kSysSendFiles | kSysReceiveFiles};
+    b.systems[0] = {{2, 280, 1, 0}, kSysSendFiles};
+    c.systems[0] = {{2, 280, 7, 0}, 0};
+    c.systems[1] = {{2, 280, 1, 0}, kSysSendFiles | kSysPause | (msHold << kSysStatusShift)};
+    Seed({a, b, c});
+  }
+  // F2, marks group 1 (A and C) with the group filter, "Process changes ?" Yes.
+  static std::string MarkGroupOne() { return "<F2><F3><Space><Esc><Esc><Enter>"; }
+};
+
+TEST_F(FileechoGlobalTest, SwitchCountsOnlyChangedRecords) {
+  Run("<F2><F3>");
+  EXPECT_TRUE(Shown("Groups to include in search"));
+  Run(MarkGroupOne() + Downs(10) + "<Enter>");  // Visible
+  EXPECT_TRUE(Shown("Toggle option to"));
+  Run(MarkGroupOne() + Downs(10) + "<Enter><Enter>");  // Yes
+  EXPECT_TRUE(Shown("Changed the Visible fields for 1 records"));
+  EXPECT_EQ(Rec(2).options & kFeVisible, kFeVisible);
+  EXPECT_EQ(Rec(1).options + 0, 0) << "B not marked";
+  // Tiny SB is reported by its log name; No clears it.
+  Run(MarkGroupOne() + Downs(11) + "<Enter><Tab><Enter>");
+  EXPECT_TRUE(Shown("Changed the TinySB fields for 0 records"));
+  // Add FILE_ID "Always" sets both bits.
+  Run(MarkGroupOne() + Downs(7) + "<Enter><Tab><Tab><Enter>");
+  EXPECT_TRUE(Shown("Changed the Add FILE_ID fields for 2 records"));
+  EXPECT_EQ(Rec(0).options2 & kFe2AddFileIdAlways, kFe2AddFileIdAlways);
+  EXPECT_EQ(Rec(2).options & kFeAddFileId, kFeAddFileId);
+  // Convert: the archiver chosen from the list.
+  Run(MarkGroupOne() + "<Enter><Down><Down><Down><Down><Down><Enter>");
+  EXPECT_TRUE(Shown("Changed the Convert fields for 2 records"));
+  EXPECT_EQ(Rec(0).convert + 0, 5);
+  EXPECT_EQ(Rec(1).convert + 0, 0);
+}
+
+TEST_F(FileechoGlobalTest, SystemOperations) {
+  // Add: C has no room left after it (3 slots, two used): it still fits; B is not marked.
+  Run(MarkGroupOne() + "<End><Up><Up><Up><Enter>2:280/9<Esc>");
+  EXPECT_TRUE(Shown("Added 2:280/9 to 2 records"));
+  EXPECT_EQ(Rec(2).systems[2].address, (NetAddr{2, 280, 9, 0}));
+  EXPECT_EQ(Rec(2).systems[2].flags + 0, fileecho::kNewSystemFlags);
+  Run(MarkGroupOne() + "<End><Up><Up><Up><Enter>2:280/10<Esc>");
+  EXPECT_TRUE(Shown("Added 2:280/10 to 1 records")) << "C is full";
+  // Replace 2:280/7 (only C has it).
+  Run(MarkGroupOne() + "<End><Up><Enter>2:280/7<Esc>3:3/3<Esc>");
+  EXPECT_TRUE(Shown("Replaced 2:280/7 with 3:3/3 in 1 records"));
+  EXPECT_EQ(Rec(2).systems[0].address, (NetAddr{3, 3, 3, 0}));
+  // Remove 2:280/9: the slots close up.
+  Run(MarkGroupOne() + "<End><Up><Up><Enter>2:280/9<Esc>");
+  EXPECT_TRUE(Shown("Removed 2:280/9 from 2 records"));
+  EXPECT_EQ(Rec(0).systems[1].address, (NetAddr{2, 280, 10, 0}));
+  EXPECT_FALSE(Rec(2).systems[2].address.IsSet());
+}
+
+TEST_F(FileechoGlobalTest, ChangeStatusTouchesOnlyTheChosenBits) {
+  // Pause Yes, Msg status Hold; the rest "<do not change>".
+  Run(MarkGroupOne() + "<End><Enter>2:280/1<Esc>" + "<Down><Space><Space>" + Downs(4) +
+      "<Space><Space><Space><Esc>");
+  EXPECT_TRUE(Shown("Changed status for 2:280/1 in 1 records")) << "C had these already";
+  EXPECT_EQ(Rec(0).systems[0].flags + 0,
+            kSysSendFiles | kSysReceiveFiles | kSysPause | (msHold << kSysStatusShift));
+  EXPECT_EQ(Rec(1).systems[0].flags + 0, kSysSendFiles) << "B not marked";
+  EXPECT_EQ(Rec(2).systems[1].flags + 0, kSysSendFiles | kSysPause | (msHold << kSysStatusShift));
+  // Send files No alone keeps the status and the other switches.
+  Run(MarkGroupOne() + "<End><Enter>2:280/1<Esc><Space><Esc>");
+  EXPECT_TRUE(Shown("Changed status for 2:280/1 in 2 records"));
+  EXPECT_EQ(Rec(0).systems[0].flags + 0,
+            kSysReceiveFiles | kSysPause | (msHold << kSysStatusShift));
+}
+
+}  // namespace
+}  // namespace ks

@@ -83,6 +83,7 @@ ksDataBase::OpenResult ksDataBase::OpenOnce(const std::string& dir, bool* rebuil
     return OpenResult::kFailed;
   }
   current_ = count() > 0 ? 0 : -1;
+  sorted_ = CheckSorted();
   return OpenResult::kOk;
 }
 
@@ -118,11 +119,31 @@ bool ksDataBase::ReadRecord(int pos, std::uint8_t* record) const {
          record_size_;
 }
 
-int ksDataBase::InsertPos(const std::uint8_t* key) const {
-  const int n = count();
+int ksDataBase::InsertPos(const std::uint8_t* key, int skip) const {
+  const int n = count() - (skip >= 0 ? 1 : 0);
+  const auto at = [&](int i) { return Key(skip >= 0 && i >= skip ? i + 1 : i); };
+  const auto less = [&](int i) { return keys_.Compare(at(i), key, active_key_) < 0; };
+  if (sorted_) {
+    // In a sorted index the entries that are less all come first.
+    int lo = 0, hi = n;
+    while (lo < hi) {
+      const int mid = lo + (hi - lo) / 2;
+      if (less(mid))
+        lo = mid + 1;
+      else
+        hi = mid;
+    }
+    return lo;
+  }
   for (int i = 0; i < n; ++i)
-    if (keys_.Compare(Key(i), key, active_key_) >= 0) return i;
+    if (!less(i)) return i;
   return n;
+}
+
+bool ksDataBase::CheckSorted() const {
+  for (int i = 1; i < count(); ++i)
+    if (keys_.Compare(Key(i - 1), Key(i), active_key_) > 0) return false;
+  return true;
 }
 
 bool ksDataBase::WriteEntries(int first, int last) {
@@ -202,11 +223,16 @@ bool ksDataBase::Rewrite(int pos, const std::uint8_t* record) {
   std::vector<std::uint8_t> entry(entry_size_);
   keys_.MakeKey(record, entry.data());
   SetEntryRecNo(entry.data(), keys_.length(), recno);
-  index_.erase(index_.begin() + static_cast<std::ptrdiff_t>(pos) * entry_size_,
-               index_.begin() + static_cast<std::ptrdiff_t>(pos + 1) * entry_size_);
-  const int to = InsertPos(entry.data());
-  index_.insert(index_.begin() + static_cast<std::ptrdiff_t>(to) * entry_size_, entry.begin(),
-                entry.end());
+  const int to = InsertPos(entry.data(), pos);
+  // The entries between the two places shift by one towards the old place.
+  const auto slot = [&](int i) {
+    return index_.begin() + static_cast<std::ptrdiff_t>(i) * entry_size_;
+  };
+  if (to < pos)
+    std::rotate(slot(to), slot(pos), slot(pos + 1));
+  else if (to > pos)
+    std::rotate(slot(pos), slot(pos + 1), slot(to + 1));
+  std::copy(entry.begin(), entry.end(), slot(to));
   current_ = to;
   return WriteEntries(std::min(pos, to), std::max(pos, to));
 }

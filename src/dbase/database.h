@@ -46,7 +46,10 @@ class ksDataBase {
   int current() const { return current_; }
   void set_current(int pos);
   int active_key() const { return active_key_; }
-  void set_active_key(int k) { active_key_ = keys_.Find(k) ? k : 1; }
+  void set_active_key(int k) {
+    active_key_ = keys_.Find(k) ? k : 1;
+    sorted_ = CheckSorted();
+  }
   bool unique = true;  // refuse records whose key equals another entry's
   PackProc pack;       // applied to every record the automatic pack keeps
 
@@ -77,7 +80,10 @@ class ksDataBase {
 
  private:
   OpenResult OpenOnce(const std::string& dir, bool* rebuilt, bool* packed, bool* again);
-  int InsertPos(const std::uint8_t* key) const;
+  // Where an entry with `key` goes: in front of the first entry that is not less, counting
+  // the entries without the one at `skip` (-1 for none).
+  int InsertPos(const std::uint8_t* key, int skip = -1) const;
+  bool CheckSorted() const;
   bool WriteEntries(int first, int last);  // entries first..last (inclusive) to disk
   bool InsertEntry(const std::uint8_t* entry);
   bool RemoveEntry(int pos);
@@ -90,6 +96,9 @@ class ksDataBase {
   std::vector<std::uint8_t> index_;
   int current_ = -1;
   int active_key_ = 1;
+  // The index is in order by the active key: the first entry that is not less can be found
+  // by halving. An index sorted another way (the record-file classes fold case) is scanned.
+  bool sorted_ = false;
 };
 
 }  // namespace ks

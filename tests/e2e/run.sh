@@ -373,6 +373,95 @@ case_lists() {
   ! ls "$d"/C*0.tmp >/dev/null 2>&1 || fail "companion file left behind"
 }
 
+# esc N: N presses of Esc, apart, so that the terminal does not take two as one Esc pair.
+esc() {
+  local i
+  for ((i = 0; i < $1; i++)); do
+    keys Escape
+    sleep 0.15
+  done
+}
+
+# hex FILE: the whole file as one line of hexadecimal digits.
+hex() { od -An -tx1 -v "$1" | tr -d ' \n'; }
+# Network addresses as they lie in the records: zone, net, node, point, each 16-bit LE.
+ADDR_200=02001801c8000000  # 2:280/200
+ADDR_300=020018012c010000  # 2:280/300
+
+case_fileecho_node() {
+  local d
+  d=$(demo_dir) || fail "mkdemo failed" || return 1
+  start fenode "$d"
+  wait_text "Miscellaneous system parameters" 25 || return 1
+  # A new node, 2:280/200.
+  keys Down Down Down Down Down Down Down Down Enter
+  wait_text "Node manager" || return 1
+  keys Insert
+  wait_text "Adding new entry" || return 1
+  keys "2:280/200" Down "New Sysop" Escape
+  wait_text "Save changes?" || return 1
+  keys Enter
+  wait_text "New Sysop" || return 1
+  keys Escape
+  wait_text "Connected systems configuration" 25 || return 1
+  # A new fileecho with the node connected, and the node added to an existing one.
+  keys Up Up Up Up Up Enter
+  wait_text "Fileecho maintenance" 25 || return 1
+  keys Enter
+  wait_text "F2-global F3-advanced" || return 1
+  keys Insert
+  wait_text "Adding new entry" || return 1
+  keys NEWECHO Down "New files" Down "$d/newecho" Down
+  wait_text "Create directory?" || return 1
+  keys Enter PgDn Enter Insert "2:280/200"
+  esc 3
+  wait_text "Save changes?" || return 1
+  keys Enter
+  wait_text "NEWECHO" || return 1
+  [ -d "$d/newecho" ] || fail "destination directory not created" || return 1
+  keys Home Enter PgDn Enter Insert "2:280/200"
+  esc 3
+  wait_text "Save changes?" || return 1
+  keys Enter
+  wait_text " 1/6 " || return 1
+  [ "$(size "$d/FAREAS.KSX")" = $((6 * 2539)) ] || fail "FAREAS.KSX has $(size "$d/FAREAS.KSX") bytes" || return 1
+  [ "$(hex "$d/FAREAS.KSX" | grep -o "$ADDR_200" | wc -l)" = 2 ] || fail "node not connected to two fileechos" || return 1
+  keys F10
+  wait_text "Fileecho maintenance" 25 || return 1
+  keys F10
+  wait_text "Fileecho configuration" 25 || return 1
+  # The node's address changes to 2:280/300 everywhere.
+  keys Down Down Down Down Down Enter
+  wait_text "Node manager" || return 1
+  keys F4
+  wait_text "to search for" || return 1
+  keys "2:280/200" Enter
+  wait_text "New Sysop" || return 1
+  keys Enter "2:280/300" Escape
+  wait_text "Save changes?" || return 1
+  keys Enter
+  wait_text "Replace node in rest of setup?" || return 1
+  keys Enter
+  wait_text "Replaced node in 2 place(s)" || return 1
+  keys Enter Escape
+  wait_text "Connected systems configuration" 25 || return 1
+  keys F9
+  wait_exit || return 1
+  local f
+  for f in FAREAS NODEFILE; do
+    hex "$d/$f.KSX" | grep -q "$ADDR_200" && { fail "2:280/200 left in $f.KSX"; return 1; }
+  done
+  [ "$(hex "$d/FAREAS.KSX" | grep -o "$ADDR_300" | wc -l)" = 2 ] || fail "FAREAS.KSX does not name 2:280/300 twice" || return 1
+  hex "$d/NODEFILE.KSX" | grep -q "$ADDR_300" || fail "NODEFILE.KSX lacks 2:280/300" || return 1
+  # Files that did not name the node are byte-identical to the demo's.
+  local fresh
+  fresh=$(new_dir)
+  "$MKDEMO" "$fresh" >/dev/null
+  for f in MGICFILE REPORTS GRPFILE MAREAS HATCH; do
+    cmp -s "$d/$f.KSX" "$fresh/$f.KSX" || { fail "$f.KSX changed"; return 1; }
+  done
+}
+
 [ -x "$MKDEMO" ] || { echo "FAIL setup: $MKDEMO not built"; exit 1; }
 tmx new-session -d -s idle -x 80 -y 25 || { echo "FAIL setup: tmux server did not start"; exit 1; }
 
@@ -384,6 +473,7 @@ run_case "Exit program without changes asks nothing" case_exit_item
 run_case "F1 help viewer and Alt-Z character chart" case_help_chart
 run_case "Index rebuilds a damaged index, Pack drops a deleted record" case_index_pack
 run_case "FileFind areas and hatch manager: add, edit, delete" case_lists
+run_case "fileecho and node managers: connect a new node, change its address" case_fileecho_node
 
 if [ "$failures" -gt 0 ]; then
   echo "$failures case(s) failed"

@@ -473,8 +473,10 @@ bool ChangeValue(const FieldDef& f, const KeyPress& k, std::uint8_t* rec) {
 
 void DrawValue(const EditPage& page, const FieldDef& f, const std::uint8_t* rec, int left, int top,
                std::uint8_t attr) {
-  const int w = Width(f);
-  scr().WriteStr(left + f.col, top + f.row, attr, Clip(page.ValueText(f, rec), w), w);
+  const std::string text = page.ValueText(f, rec);
+  // "n/a" is shown whole even in a field narrower than three cells.
+  const int w = std::max(Width(f), text == "n/a" ? 3 : 0);
+  scr().WriteStr(left + f.col, top + f.row, attr, Clip(text, w), w);
 }
 
 // Edits a typed field until a key that ends it, which is returned once the text was written

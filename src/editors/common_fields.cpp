@@ -37,7 +37,7 @@ FieldDef RestoreStatus(FieldDef f) {
 }  // namespace
 
 void RunSubPage(std::vector<FieldDef> fields, std::uint8_t* rec, const std::string& title,
-                int width, int height, int topic) {
+                int width, int height, int topic, int first) {
   const int left = (80 - width - 2) / 2 + 1;
   const int top = 5 + (19 - height - 2) / 2;
   BoxOBJ box(left, top, left + width + 1, top + height + 1, title);
@@ -45,7 +45,7 @@ void RunSubPage(std::vector<FieldDef> fields, std::uint8_t* rec, const std::stri
   EditPage page(std::move(fields));
   page.topic = topic;
   page.Draw(rec, left, top);
-  page.Run(rec, left, top);
+  page.Run(rec, left, top, first);
   box.Hide();
 }
 

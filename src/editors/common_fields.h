@@ -23,9 +23,10 @@ inline constexpr int kValueCol = 16;
 inline constexpr int kLongWidth = 56;
 
 // A page of `fields` on `rec` in a box of `width` x `height` inner cells titled `title`,
-// centred on the desktop; returns when the page is left.
+// centred on the desktop, with the cursor starting on field `first`; returns when the page is
+// left.
 void RunSubPage(std::vector<FieldDef> fields, std::uint8_t* rec, const std::string& title,
-                int width, int height, int topic);
+                int width, int height, int topic, int first = 0);
 
 // --- Message areas -------------------------------------------------------------------------
 

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "editors/common_fields.h"
-#include "tui/box.h"
 #include "tui/ui.h"
 
 namespace ks {
@@ -55,15 +54,7 @@ std::string NameOf(const std::vector<std::string>& names, std::uint8_t value) {
 bool RunNodePage(std::vector<FieldDef> fields, std::uint8_t* rec, std::size_t size,
                  const std::string& title, int width, int height, int first = 0) {
   const std::vector<std::uint8_t> before(rec, rec + size);
-  const int left = (80 - width - 2) / 2 + 1;
-  const int top = 5 + (19 - height - 2) / 2;
-  BoxOBJ box(left, top, left + width + 1, top + height + 1, title);
-  box.Draw();
-  EditPage page(std::move(fields));
-  page.topic = kNodeTopic;
-  page.Draw(rec, left, top);
-  page.Run(rec, left, top, first);
-  box.Hide();
+  RunSubPage(std::move(fields), rec, title, width, height, kNodeTopic, first);
   return std::memcmp(before.data(), rec, size) != 0;
 }
 

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cctype>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -107,13 +108,36 @@ bool WriteFileAtomic(const std::string& path, std::string_view data, std::string
     if (error) *error = std::strerror(saved ? saved : EIO);
     return false;
   }
-  // Make the rename itself durable.
-  std::string dir = DirOf(path);
+  SyncDir(DirOf(path));
+  return true;
+}
+
+void SyncDir(const std::string& dir) {
   int dfd = ::open(dir.empty() ? "." : dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (dfd >= 0) {
     ::fsync(dfd);
     ::close(dfd);
   }
+}
+
+bool RenameDurable(const std::string& from, const std::string& to) {
+  if (::rename(from.c_str(), to.c_str()) != 0) return false;
+  SyncDir(DirOf(to));
+  return true;
+}
+
+bool IsAtomicWriteLeftover(const std::string& name, std::string_view target_suffix) {
+  constexpr std::size_t kRandom = 6;  // the XXXXXX of mkostemp
+  const std::size_t n = target_suffix.size();
+  if (name.size() <= n + 1 + kRandom) return false;
+  const std::size_t dot = name.size() - kRandom - 1;
+  if (name[dot] != '.') return false;
+  for (std::size_t i = dot + 1; i < name.size(); ++i)
+    if (!std::isalnum(static_cast<unsigned char>(name[i]))) return false;
+  for (std::size_t i = 0; i < n; ++i)
+    if (std::tolower(static_cast<unsigned char>(name[dot - n + i])) !=
+        std::tolower(static_cast<unsigned char>(target_suffix[i])))
+      return false;
   return true;
 }
 

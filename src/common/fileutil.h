@@ -29,6 +29,17 @@ std::optional<std::string> ReadWholeFile(const std::string& path);
 // old one. On failure the old file is untouched, `error` says why, and false is returned.
 bool WriteFileAtomic(const std::string& path, std::string_view data, std::string* error = nullptr);
 
+// True when `name` is a temporary file that WriteFileAtomic leaves behind when the program is
+// killed while replacing `target_suffix`-named files: any name + suffix, then "." and six
+// letters or digits ("setup.ksx.a1B2c3", "FAREAS.IDX.Zz09xy"). The suffix is matched
+// without regard to case.
+bool IsAtomicWriteLeftover(const std::string& name, std::string_view target_suffix);
+
+// Renames `from` over `to` and makes the rename itself durable (the directory is synced).
+bool RenameDurable(const std::string& from, const std::string& to);
+// Flushes the directory entry list of `dir` ("" = the current directory) to disk.
+void SyncDir(const std::string& dir);
+
 // The names (not paths) of the regular files in `dir`.
 std::vector<std::string> ListFiles(const std::string& dir);
 

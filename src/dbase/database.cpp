@@ -146,34 +146,70 @@ bool ksDataBase::CheckSorted() const {
   return true;
 }
 
-bool ksDataBase::WriteEntries(int first, int last) {
+bool ksDataBase::WriteEntries(int first, int last, Direction direction) {
   if (first > last) return true;
-  const std::size_t at = static_cast<std::size_t>(first) * entry_size_;
-  return index_file_.WriteAt(at, &index_[at],
-                             static_cast<std::size_t>(last - first + 1) * entry_size_);
+  // The entries go out in pieces that never cross a page of the file (an entry that does is
+  // a piece of its own): a kill can stop a write between two pages, never inside one. Moving
+  // entries towards the end is written from the back and towards the start from the front,
+  // so each entry is on disk at its new place before its old place is overwritten: an
+  // interrupted move leaves one entry twice, never one missing.
+  constexpr std::uint64_t kPage = 4096;
+  const auto page = [&](int i, std::size_t byte) {
+    return (std::uint64_t(i) * entry_size_ + byte) / kPage;
+  };
+  const auto write = [&](int a, int b) {  // entries a..b inclusive
+    const std::size_t at = static_cast<std::size_t>(a) * entry_size_;
+    return index_file_.WriteAt(at, &index_[at], static_cast<std::size_t>(b - a + 1) * entry_size_);
+  };
+  const auto alone = [&](int i) { return page(i, 0) != page(i, entry_size_ - 1); };
+  if (direction == Direction::kBackward) {
+    for (int b = last; b >= first;) {
+      int a = b;
+      if (!alone(b))
+        while (a > first && !alone(a - 1) && page(a - 1, 0) == page(b, 0)) --a;
+      if (!write(a, b)) return false;
+      b = a - 1;
+    }
+  } else {
+    for (int a = first; a <= last;) {
+      int b = a;
+      if (!alone(a))
+        while (b < last && !alone(b + 1) && page(b + 1, 0) == page(a, 0)) ++b;
+      if (!write(a, b)) return false;
+      a = b + 1;
+    }
+  }
+  return true;
+}
+
+bool ksDataBase::GrowBy(const std::uint8_t* entry) {
+  // The file grows first, so a full disk fails before any entry has moved.
+  const std::uint64_t n = std::uint64_t(count()) * entry_size_;
+  if (index_file_.WriteAt(n, entry, entry_size_)) return true;
+  index_file_.Truncate(n);
+  return false;
 }
 
 bool ksDataBase::InsertEntry(const std::uint8_t* entry) {
   const int n = count();
   const int pos = InsertPos(entry);
-  // The file grows by one entry first, so a full disk fails before anything has moved.
-  const std::uint8_t* grown = pos == n ? entry : Key(n - 1);
-  if (!index_file_.WriteAt(std::uint64_t(n) * entry_size_, grown, entry_size_)) {
-    index_file_.Truncate(std::uint64_t(n) * entry_size_);
-    return false;
-  }
+  // The last entry (or the new one, when it goes last) is copied one place further first.
+  if (!GrowBy(pos == n ? entry : Key(n - 1))) return false;
   index_.insert(index_.begin() + static_cast<std::ptrdiff_t>(pos) * entry_size_, entry,
                 entry + entry_size_);
   current_ = pos;
-  return WriteEntries(pos, n - 1);
+  if (pos == n) return true;
+  // The entries after the new one move towards the end; the new one is written last.
+  return WriteEntries(pos + 1, n - 1, Direction::kBackward) &&
+         WriteEntries(pos, pos, Direction::kForward);
 }
 
 bool ksDataBase::RemoveEntry(int pos) {
   const int n = count();
   index_.erase(index_.begin() + static_cast<std::ptrdiff_t>(pos) * entry_size_,
                index_.begin() + static_cast<std::ptrdiff_t>(pos + 1) * entry_size_);
-  const bool ok =
-      WriteEntries(pos, n - 2) && index_file_.Truncate(std::uint64_t(n - 1) * entry_size_);
+  const bool ok = WriteEntries(pos, n - 2, Direction::kForward) &&
+                  index_file_.Truncate(std::uint64_t(n - 1) * entry_size_);
   set_current(current_);
   return ok;
 }
@@ -195,9 +231,16 @@ bool ksDataBase::Insert(const std::uint8_t* record) {
 
 bool ksDataBase::Remove(int pos) {
   if (!is_open() || !Key(pos)) return false;
+  const std::uint16_t recno = RecNo(pos);
+  // The entry goes first: an interruption before the record is marked leaves a record that
+  // only a rebuilt index would bring back, never an entry whose record has lost its key.
+  if (!RemoveEntry(pos)) return false;
+  // An entry left twice by an interrupted update still refers to the record: it keeps its key.
+  for (int i = 0; i < count(); ++i)
+    if (RecNo(i) == recno) return true;
   // Zero the key fields of the record so that it stays out of every rebuilt index.
   std::vector<std::uint8_t> record(record_size_);
-  const std::uint64_t at = std::uint64_t{RecNo(pos)} * record_size_;
+  const std::uint64_t at = std::uint64_t{recno} * record_size_;
   if (data_.ReadAt(at, record.data(), record_size_) == record_size_) {
     for (int k = 0; k < keys_.count(); ++k) {
       const KeyDef& d = keys_[k];
@@ -205,7 +248,7 @@ bool ksDataBase::Remove(int pos) {
     }
     if (!data_.WriteAt(at, record.data(), record_size_)) return false;
   }
-  return RemoveEntry(pos);
+  return true;
 }
 
 bool ksDataBase::HasRecord(int pos) const {
@@ -224,17 +267,31 @@ bool ksDataBase::Rewrite(int pos, const std::uint8_t* record) {
   keys_.MakeKey(record, entry.data());
   SetEntryRecNo(entry.data(), keys_.length(), recno);
   const int to = InsertPos(entry.data(), pos);
-  // The entries between the two places shift by one towards the old place.
   const auto slot = [&](int i) {
     return index_.begin() + static_cast<std::ptrdiff_t>(i) * entry_size_;
   };
-  if (to < pos)
-    std::rotate(slot(to), slot(pos), slot(pos + 1));
-  else if (to > pos)
-    std::rotate(slot(pos), slot(pos + 1), slot(to + 1));
-  std::copy(entry.begin(), entry.end(), slot(to));
+  if (to == pos) {
+    current_ = to;
+    std::copy(entry.begin(), entry.end(), slot(to));
+    return WriteEntries(to, to, Direction::kForward);
+  }
+  // While the entries between the two places move, a copy of the entry waits behind the
+  // last one, so the record is in the index at every moment; it goes when all is written.
+  const int n = count();
+  if (!GrowBy(entry.data())) return false;
   current_ = to;
-  return WriteEntries(std::min(pos, to), std::max(pos, to));
+  bool ok;
+  if (to < pos) {
+    std::rotate(slot(to), slot(pos), slot(pos + 1));
+    std::copy(entry.begin(), entry.end(), slot(to));
+    ok = WriteEntries(to + 1, pos, Direction::kBackward);
+  } else {
+    std::rotate(slot(pos), slot(pos + 1), slot(to + 1));
+    std::copy(entry.begin(), entry.end(), slot(to));
+    ok = WriteEntries(pos, to - 1, Direction::kForward);
+  }
+  return ok && WriteEntries(to, to, Direction::kForward) &&
+         index_file_.Truncate(std::uint64_t(n) * entry_size_);
 }
 
 bool ksDataBase::WriteInPlace(int pos, const std::uint8_t* record) {

@@ -1,7 +1,8 @@
 // The generic record database of the entry list editor: one file pair with the record size
 // and keys its editor declares. The index file on disk is edited in place, entry by entry in
 // the order the file format defines; a copy of it is kept in memory so that a search or an
-// insert costs no reads, and every change goes to disk at once with as few writes as possible.
+// insert costs no reads, and every change goes to disk at once with as few writes as possible,
+// ordered so that a kill at any moment leaves every entry in the index (at worst one twice).
 #pragma once
 
 #include <cstddef>
@@ -65,8 +66,9 @@ class ksDataBase {
   // Appends `record` to the data file and inserts its entry in front of the first entry that
   // is not less (active key); the new entry becomes current.
   bool Insert(const std::uint8_t* record);
-  // Removes entry `pos`; its record's key bytes are zeroed on disk, so no rebuilt index brings
-  // it back. The current position is clamped to the new last entry.
+  // Removes entry `pos`; its record's key bytes are then zeroed on disk, so no rebuilt index
+  // brings it back (unless another entry still refers to the record). The current position is
+  // clamped to the new last entry.
   bool Remove(int pos);
   // Writes an edited record back at its own record number and moves its entry to where the
   // key now belongs; the entry stays current.
@@ -84,7 +86,12 @@ class ksDataBase {
   // the entries without the one at `skip` (-1 for none).
   int InsertPos(const std::uint8_t* key, int skip = -1) const;
   bool CheckSorted() const;
-  bool WriteEntries(int first, int last);  // entries first..last (inclusive) to disk
+  // Entries first..last (inclusive) to disk, in the order that suits a move of entries
+  // towards the end of the file (kBackward) or towards its start (kForward).
+  enum class Direction { kForward, kBackward };
+  bool WriteEntries(int first, int last, Direction direction);
+  // Writes `entry` one place behind the last entry, growing the file.
+  bool GrowBy(const std::uint8_t* entry);
   bool InsertEntry(const std::uint8_t* entry);
   bool RemoveEntry(int pos);
 

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstdio>
 #include <cstring>
 #include <stdexcept>
 
@@ -153,17 +152,12 @@ void StableSortEntries(std::vector<std::uint8_t>& entries, const KeySet& keys, i
   entries.swap(sorted);
 }
 
-// Replaces the index file by `entries` in one write. A failed write removes the index, so
-// that the next open rebuilds it rather than packing the data down to a partial index.
+// Replaces the index file by `entries` through a temporary file and a rename, so that an
+// interruption at any moment leaves either the old index or the new one, never a short or
+// empty index that a later pack would take for a list of deleted records.
 bool WriteIndexFile(const std::string& path, const std::vector<std::uint8_t>& entries) {
-  RawFile index;
-  if (!index.Open(path, RawFile::Mode::kCreate)) return false;
-  if (!entries.empty() && !index.WriteAt(0, entries.data(), entries.size())) {
-    index.Close();
-    ::unlink(path.c_str());
-    return false;
-  }
-  return true;
+  return WriteFileAtomic(path, std::string_view(reinterpret_cast<const char*>(entries.data()),
+                                                entries.size()));
 }
 
 // Appends to a file through a large buffer.
@@ -226,16 +220,16 @@ void SortIndexEntries(std::vector<std::uint8_t>& entries, const KeySet& keys, in
   entries.swap(result);
 }
 
-bool SortIndex(RawFile& index, const KeySet& keys, int first_key) {
+bool SortIndex(const std::string& index_name, const KeySet& keys, int first_key) {
   WorkBox box("Sorting index files", "    Please wait    ");
-  const auto size = index.Size();
-  if (!size) return false;
+  auto text = ReadWholeFile(index_name);
+  if (!text) return false;
   const std::size_t e = keys.entry_size();
-  std::vector<std::uint8_t> entries(static_cast<std::size_t>(*size / e * e));
-  if (index.ReadAt(0, entries.data(), entries.size()) != entries.size()) return false;
+  std::vector<std::uint8_t> entries(text->begin(), text->begin() + static_cast<std::ptrdiff_t>(
+                                                                      text->size() / e * e));
   SortIndexEntries(entries, keys, first_key);
   box.Progress(1, 1);
-  return entries.empty() || index.WriteAt(0, entries.data(), entries.size());
+  return WriteIndexFile(index_name, entries);
 }
 
 bool BuildIndex(const std::string& dir, const std::string& base, std::size_t record_size,
@@ -307,14 +301,20 @@ bool PackDataFile(const std::string& dir, const std::string& base, std::size_t r
 
   BufferedAppender writer(out);
   std::vector<std::uint8_t> record(kMaxRecordSize);
+  // An update of the list editor that was interrupted can leave one entry twice; its record
+  // is packed once.
+  std::vector<bool> packed(kMaxRecords);
   for (std::size_t i = 0; i < count; ++i) {
-    const std::uint64_t at = std::uint64_t{EntryRecNo(&entries[i * e], k)} * record_size;
+    const std::uint16_t recno = EntryRecNo(&entries[i * e], k);
+    const std::uint64_t at = std::uint64_t{recno} * record_size;
     if (at >= old.size()) {
       give_up();
       if (ui().screen)
         MessageBox("Error found in data file. Rebuild index/files to repair the problem", {"Ok"});
       throw ProgramHalt{0};
     }
+    if (packed[recno]) continue;
+    packed[recno] = true;
     // A whole record that no procedure converts goes out straight from the old file.
     if (!proc && old.size() - at >= record_size) {
       if (!writer.Append(old.data() + at, record_size)) {
@@ -348,7 +348,7 @@ bool PackDataFile(const std::string& dir, const std::string& base, std::size_t r
     ::unlink(index_name.c_str());
     return true;
   }
-  if (std::rename(scratch_name.c_str(), data_name.c_str()) != 0) {
+  if (!RenameDurable(scratch_name, data_name)) {
     ::unlink(scratch_name.c_str());
     return false;
   }

@@ -22,8 +22,9 @@ using PackProc = std::function<void(std::uint8_t* record, std::size_t& length)>;
 
 // Builds the index of base in `dir` afresh from its data file: one entry per record whose key
 // bytes are not all zero, sorted. A missing data file is created; an empty data file is
-// deleted together with its index. False when a file cannot be created or written; a
-// half-written index is removed, so the next open rebuilds it instead of trusting it.
+// deleted together with its index. The new index replaces the old one through a temporary
+// file and a rename, so an interruption leaves the old index or the new one. False when a
+// file cannot be created or written (the old index then stays).
 // A record size above kMaxRecordSize is a programming error and throws std::logic_error.
 bool BuildIndex(const std::string& dir, const std::string& base, std::size_t record_size,
                 const KeySet& keys);
@@ -33,11 +34,13 @@ bool BuildIndex(const std::string& dir, const std::string& base, std::size_t rec
 // always had. A crafted input that would make it quadratic is finished with a stable sort.
 void SortIndexEntries(std::vector<std::uint8_t>& entries, const KeySet& keys, int first_key = 1);
 
-// Sorts an open index file in place ("Sorting index files").
-bool SortIndex(RawFile& index, const KeySet& keys, int first_key = 1);
+// Sorts an index file ("Sorting index files"); the sorted index replaces the old one through a
+// temporary file and a rename.
+bool SortIndex(const std::string& index_name, const KeySet& keys, int first_key = 1);
 
 // Packs the data file of base in `dir`: the records the index refers to, in index order, each
-// passed through `proc` when given. The new data file is written as base.$$$, flushed to disk
+// passed through `proc` when given; a record that two entries refer to is written once. The
+// new data file is written as base.$$$, flushed to disk
 // and renamed over the old one; on any failure the old data file stays as it was and false is
 // returned. An index entry pointing past the data shows "Error found in data file..." and ends
 // the program (ProgramHalt) with the data file untouched. The caller builds the index

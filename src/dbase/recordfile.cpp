@@ -212,7 +212,11 @@ void TRecordFile::Pack() {
   std::uint64_t flushed = 0;
   std::uint16_t written = 0;
   bool ok = true;
+  std::vector<bool> packed(kMaxRecords);  // a record two entries refer to is packed once
   for (int i = 0; i < count_ && ok; ++i) {
+    const std::uint16_t recno = EntryRecNo(Entry(i), keys_.length());
+    if (packed[recno]) continue;
+    packed[recno] = true;
     std::fill(record.begin(), record.end(), 0);
     if (!ReadRecordBytes(i, record.data())) continue;  // an entry whose record is gone
     std::size_t length = record_size_;
@@ -237,7 +241,7 @@ void TRecordFile::Pack() {
   }
   // The new data file replaces the old one in one rename.
   data_.Close();
-  if (std::rename(scratch.c_str(), data_name_.c_str()) != 0 ||
+  if (!RenameDurable(scratch, data_name_) ||
       !data_.Open(data_name_, RawFile::Mode::kReadWrite)) {
     std::remove(scratch.c_str());
     Close();

@@ -12,6 +12,7 @@
 #include "common/recordext.h"
 #include "docs/helpsys.h"
 #include "shell/cmdline.h"
+#include "shell/instance.h"
 #include "shell/mainmenu.h"
 #include "shell/maintenance.h"
 #include "shell/program.h"
@@ -150,6 +151,7 @@ int RunKsetup(const AppEnv& env) {
   record_extensions() = {"KSX", "IDX"};
 
   ScreenSession session(env);
+  InstanceLock lock(p.exe_path);
   p.cfg = std::make_unique<KESTRAcfg>();
   SetupLoadContext ctx;
   ctx.dir = p.exe_path;
@@ -169,6 +171,11 @@ int RunKsetup(const AppEnv& env) {
     if (p.sfi) scr().SetCursorShape(CursorShape::kUnderline);
     p.work_dir = cfg.tmpPath.empty() ? p.exe_path : AddSlash(cfg.tmpPath.str());
     p.help_dir = FindHelpDir(env, p.exe_path);
+    // Files left by a run that was killed while saving, unless another copy is at work.
+    lock.RunAlone([&] {
+      RemoveStaleSaves(p.exe_path);
+      if (p.DataDir() != p.exe_path) RemoveStaleSaves(p.DataDir());
+    });
     if (p.colour && cfg.colourSet.len == 0) {
       const ColourSet& d = DefaultColourSet();
       cfg.colourSet.set(std::string_view(reinterpret_cast<const char*>(d.data()), d.size()));

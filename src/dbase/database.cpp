@@ -56,7 +56,16 @@ ksDataBase::OpenResult ksDataBase::OpenOnce(const std::string& dir, bool* rebuil
   const auto index_size = FileSize(index_name);
   const bool damaged =
       !index_size || *index_size % entry_size_ != 0 || *index_size / entry_size_ > kMaxRecords;
-  if (damaged) {
+  // An index whose entries do not fit the data (left from before a pack that was cut short,
+  // say) is rebuilt like a damaged one: the data file holds the keys.
+  const auto stale = [&] {
+    auto text = ReadWholeFile(index_name);
+    MappedFile data;
+    if (!text || (data_size > 0 && !data.Map(data_name))) return true;
+    index_.assign(text->begin(), text->end());
+    return !IndexFitsData(index_.data(), index_.size() / entry_size_, data, record_size_, keys_);
+  };
+  if (damaged || stale()) {
     Close();
     if (*rebuilt) return OpenResult::kFailed;
     *rebuilt = true;
@@ -73,12 +82,8 @@ ksDataBase::OpenResult ksDataBase::OpenOnce(const std::string& dir, bool* rebuil
     *again = true;
     return OpenResult::kFailed;
   }
-  if (!index_file_.Open(index_name, RawFile::Mode::kReadWrite)) {
-    Close();
-    return OpenResult::kFailed;
-  }
-  index_.resize(static_cast<std::size_t>(entries * entry_size_));
-  if (index_file_.ReadAt(0, index_.data(), index_.size()) != index_.size()) {
+  if (!index_file_.Open(index_name, RawFile::Mode::kReadWrite) ||
+      index_.size() != entries * entry_size_) {
     Close();
     return OpenResult::kFailed;
   }

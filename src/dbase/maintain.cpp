@@ -156,8 +156,8 @@ void StableSortEntries(std::vector<std::uint8_t>& entries, const KeySet& keys, i
 // interruption at any moment leaves either the old index or the new one, never a short or
 // empty index that a later pack would take for a list of deleted records.
 bool WriteIndexFile(const std::string& path, const std::vector<std::uint8_t>& entries) {
-  return WriteFileAtomic(path, std::string_view(reinterpret_cast<const char*>(entries.data()),
-                                                entries.size()));
+  return WriteFileAtomic(
+      path, std::string_view(reinterpret_cast<const char*>(entries.data()), entries.size()));
 }
 
 // Appends to a file through a large buffer.
@@ -225,8 +225,8 @@ bool SortIndex(const std::string& index_name, const KeySet& keys, int first_key)
   auto text = ReadWholeFile(index_name);
   if (!text) return false;
   const std::size_t e = keys.entry_size();
-  std::vector<std::uint8_t> entries(text->begin(), text->begin() + static_cast<std::ptrdiff_t>(
-                                                                      text->size() / e * e));
+  std::vector<std::uint8_t> entries(
+      text->begin(), text->begin() + static_cast<std::ptrdiff_t>(text->size() / e * e));
   SortIndexEntries(entries, keys, first_key);
   box.Progress(1, 1);
   return WriteIndexFile(index_name, entries);
@@ -273,6 +273,20 @@ bool BuildIndex(const std::string& dir, const std::string& base, std::size_t rec
     ::unlink(index_name.c_str());
   }
   return ok;
+}
+
+bool IndexFitsData(const std::uint8_t* entries, std::size_t count, const MappedFile& data,
+                   std::size_t record_size, const KeySet& keys) {
+  const std::size_t k = keys.length(), e = keys.entry_size();
+  std::vector<std::uint8_t> key(k);
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::uint8_t* entry = entries + i * e;
+    const std::uint64_t at = std::uint64_t{EntryRecNo(entry, k)} * record_size;
+    if (at + record_size > data.size()) return false;
+    keys.MakeKey(data.data() + at, key.data());
+    if (keys.Compare(key.data(), entry) != 0) return false;
+  }
+  return true;
 }
 
 bool PackDataFile(const std::string& dir, const std::string& base, std::size_t record_size,

@@ -48,6 +48,12 @@ bool SortIndex(const std::string& index_name, const KeySet& keys, int first_key 
 bool PackDataFile(const std::string& dir, const std::string& base, std::size_t record_size,
                   const KeySet& keys, const PackProc& proc = {});
 
+// True when each of the `count` entries refers to a whole record of `data` whose key fields
+// equal the entry's keys. An index that an interruption left from before a pack, or behind a
+// record written without its entry, fails this test and has to be rebuilt from the data.
+bool IndexFitsData(const std::uint8_t* entries, std::size_t count, const MappedFile& data,
+                   std::size_t record_size, const KeySet& keys);
+
 // The record number stored in the last two bytes of an index entry.
 inline std::uint16_t EntryRecNo(const std::uint8_t* entry, std::size_t key_length) {
   return static_cast<std::uint16_t>(entry[key_length] | (entry[key_length + 1] << 8));

@@ -38,6 +38,11 @@ bool TRecordFile::Open(const std::string& dir) {
   index_.assign(text->begin(), text->begin() + static_cast<std::ptrdiff_t>(n * entry_size_));
   count_ = static_cast<std::uint16_t>(n);
   open_ = true;
+  // An index that does not fit the data (one left from before a pack that was cut short)
+  // would send reads and writes to the wrong records: it is rebuilt from the data first.
+  MappedFile data;
+  if (data.Map(data_name_) && !IndexFitsData(index_.data(), count_, data, record_size_, keys_))
+    Rebuild();
   return true;
 }
 
@@ -241,8 +246,7 @@ void TRecordFile::Pack() {
   }
   // The new data file replaces the old one in one rename.
   data_.Close();
-  if (!RenameDurable(scratch, data_name_) ||
-      !data_.Open(data_name_, RawFile::Mode::kReadWrite)) {
+  if (!RenameDurable(scratch, data_name_) || !data_.Open(data_name_, RawFile::Mode::kReadWrite)) {
     std::remove(scratch.c_str());
     Close();
     return;

@@ -167,27 +167,44 @@ void DocViewer::Print() {
     MessageBoxLines({error}, {"Ok"}, kViewerHelpTopic);  // an error may name a path
 }
 
+void DocViewer::Fit() {
+  Screen& s = scr();
+  if (!beneath_.empty() && right_ == s.Width() && bottom_row_ == s.Height() - 1) return;
+  const auto& c = ui().colours;
+  if (!beneath_.empty()) s.Restore(beneath_);
+  right_ = s.Width();
+  bottom_row_ = s.Height() - 1;
+  beneath_ = s.Save(left_, top_row_, right_, s.Height());
+  s.FillRect(left_, top_row_, right_, bottom_row_, ' ', c[kHelpText]);
+  DrawFrame(left_, top_row_, right_, bottom_row_, c[kHelpFrame], kDoubleFrame);
+  DrawFrameTitle(right_, top_row_, c[kHelpTitle], title_);
+  ShowStatus(kViewerKeyLine);
+}
+
 void DocViewer::Run() {
   if (!doc_.Have(0)) {
     MessageBox("There is nothing to display", {"Ok"});
     return;
   }
   Screen& s = scr();
-  const auto& c = ui().colours;
-  auto beneath = s.Save(left_, top_row_, right_, s.Height());
-  s.FillRect(left_, top_row_, right_, bottom_row_, ' ', c[kHelpText]);
-  DrawFrame(left_, top_row_, right_, bottom_row_, c[kHelpFrame], kDoubleFrame);
-  DrawFrameTitle(right_, top_row_, c[kHelpTitle], title_);
-  ShowStatus(kViewerKeyLine);
-  const auto page = static_cast<std::size_t>(Rows());
   for (;;) {
+    Fit();  // a resize while a box stood on the window is made up for here
     Draw();
     bool extended = false;
-    const std::uint8_t k = s.ReadCode(&extended);
+    std::uint8_t k = 0;
+    {
+      const Screen::AfterResize refit(s, [this] {
+        Fit();
+        Draw();
+      });
+      k = s.ReadCode(&extended);
+    }
+    const auto page = static_cast<std::size_t>(Rows());
     if (!extended) {
       switch (std::toupper(k)) {
         case key::kEsc:
-          s.Restore(beneath);
+          s.Restore(beneath_);
+          beneath_ = {};
           return;
         case 'F':
           Find(false);

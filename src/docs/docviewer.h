@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "docs/docsource.h"
+#include "tui/screen.h"
 
 namespace ks {
 
@@ -32,6 +33,8 @@ class DocViewer {
   std::size_t top() const { return top_; }
 
  private:
+  // Opens the window under the header down to the status line, or fits it to a new size.
+  void Fit();
   void Draw();
   int Rows() const;
   int TextWidth() const;
@@ -49,6 +52,7 @@ class DocViewer {
   std::string search_;
   long found_ = -1;
   int left_ = 1, top_row_ = 5, right_ = 80, bottom_row_ = 24;
+  Screen::Saved beneath_;  // what the window covers while it is open
 };
 
 // Opens `path` (or the bytes [offset, offset+length) of it) in the viewer.

@@ -22,8 +22,6 @@ constexpr std::uint8_t kFileechoTopic = 38;
 constexpr std::uint8_t kUtilitiesTopic = 40;
 constexpr std::uint8_t kExitTopic = 33;
 
-// The widest address, "65535:65535/65535.65535".
-constexpr int kAddressWidth = 23;
 constexpr const char* kF1Help = "F1=Help";
 
 }  // namespace
@@ -130,10 +128,8 @@ bool ConfigChanged(const KESTRAcfg& cfg, const std::vector<std::uint8_t>& snapsh
 }
 
 void WriteHeaderAddress(const KESTRAcfg& cfg) {
-  Screen& s = scr();
-  const std::string addr = cfg.addresses[0].zone ? FormatAddr(cfg.addresses[0]) : "";
-  const std::string text = std::string(kAddressWidth - addr.size(), ' ') + addr;
-  s.WriteStr(s.Width() - 1 - kAddressWidth, 2, ui().colours[kHeaderText], text);
+  ui().header_right2 = cfg.addresses[0].zone ? FormatAddr(cfg.addresses[0]) : "";
+  DrawHeader();
 }
 
 namespace {
@@ -218,7 +214,6 @@ bool AskSave() {
 
 void RunMainMenu() {
   Program& p = prog();
-  Screen& s = scr();
   const auto* bytes = reinterpret_cast<const std::uint8_t*>(p.cfg.get());
   const std::vector<std::uint8_t> snapshot(bytes, bytes + sizeof(KESTRAcfg));
 
@@ -226,8 +221,8 @@ void RunMainMenu() {
   help.Open(p.help_dir + kHelpIndexName, p.help_dir + kHelpDocName);
   ui().show_help = [&help](int topic) { help.Show(topic); };
 
-  if (HasMainAddress()) WriteHeaderAddress(*p.cfg);
-  s.WriteStr(s.Width() - 9, 3, ui().colours[kHeaderText], kF1Help);
+  ui().header_right3 = kF1Help;
+  WriteHeaderAddress(*p.cfg);
 
   auto box = MakeMenu(MainMenuDef());
   box->Draw();
@@ -254,7 +249,8 @@ void RunMainMenu() {
   box->Hide();
   ui().show_help = nullptr;
   help.Close();
-  s.WriteStr(s.Width() - 9, 3, ui().colours[kHeaderText], "       ");
+  ui().header_right3.clear();
+  DrawHeader();
 }
 
 }  // namespace ks

@@ -37,7 +37,7 @@ enum MainChoice {
 // confined to the last byte is not reported).
 bool ConfigChanged(const KESTRAcfg& cfg, const std::vector<std::uint8_t>& snapshot);
 
-// Writes the main address right-aligned on header row 2 (blanks when there is none).
+// Puts the main address into the header, right-aligned on row 2 (nothing when there is none).
 void WriteHeaderAddress(const KESTRAcfg& cfg);
 
 // The screen behind an item, by menu and choice; the screens of later parts of the program

@@ -137,7 +137,7 @@ std::vector<std::string> WrapWords(const std::string& text, int width) {
 struct CursesTerminal::Impl {
   SCREEN* screen = nullptr;
   CursesOptions options;
-  int width = kMinWidth;  // logical size, fixed when opened
+  int width = kMinWidth;  // logical size: the terminal's, but never below 80x25
   int height = kMinHeight;
   bool utf8 = false;
   bool closed = false;
@@ -161,6 +161,8 @@ struct CursesTerminal::Impl {
   std::vector<cchar_t> rowBuffer;
   bool tooSmall = false;
   bool repaintAll = false;
+  bool resizePending = false;  // a resize was read and is not yet taken
+  bool resizing = false;       // the program is redrawing for a new size
   CursorShape cursorShape = CursorShape::kHidden;
   int cursorCol = 1;
   int cursorRow = 1;
@@ -180,6 +182,7 @@ struct CursesTerminal::Impl {
   void ApplyCursor(bool beforeUpdate);
   void Repaint();
   void DrawTooSmallMessage();
+  bool TakeSize();
   std::optional<KeyEvent> NextEvent(bool block);
   bool Pump(bool block);
   void Close(int keepRows);
@@ -260,10 +263,21 @@ void CursesTerminal::Impl::Setup() {
   caps.hasAcs = [&acsLetters](char c) { return acsLetters.find(c) != std::string::npos; };
   for (int c = 0; c < 256; ++c) glyphs[c] = ChooseGlyph(static_cast<std::uint8_t>(c), caps);
 
-  width = std::max(kMinWidth, COLS);
-  height = std::max(kMinHeight, LINES);
+  TakeSize();
+}
+
+// Takes the terminal's current size; true when the logical size changed. Below the smallest
+// size the logical size stays at that size and the screen shows a message instead.
+bool CursesTerminal::Impl::TakeSize() {
+  tooSmall = COLS < kMinWidth || LINES < kMinHeight;
+  const int w = std::max(kMinWidth, COLS);
+  const int h = std::max(kMinHeight, LINES);
+  if (w == width && h == height && !grid.empty()) return false;
+  width = w;
+  height = h;
   grid.assign(static_cast<std::size_t>(width) * height, Cell{});
   rowBuffer.resize(width);
+  return true;
 }
 
 void CursesTerminal::Impl::UpdateEffectiveCaps() {
@@ -334,10 +348,9 @@ void CursesTerminal::Impl::ApplyCursor(bool beforeUpdate) {
 }
 
 void CursesTerminal::Impl::DrawTooSmallMessage() {
-  const std::string text = options.programName + " needs a terminal of at least " +
-                           std::to_string(width) + "x" + std::to_string(height) +
-                           " characters (this one is " + std::to_string(COLS) + "x" +
-                           std::to_string(LINES) + "). Please enlarge the window.";
+  const std::string text = options.programName + " needs a window of at least " +
+                           std::to_string(kMinWidth) + "x" + std::to_string(kMinHeight) + " (now " +
+                           std::to_string(COLS) + "x" + std::to_string(LINES) + ")";
   const auto lines = WrapWords(text, std::max(1, COLS - 2));
   const int top = std::max(0, (LINES - static_cast<int>(lines.size())) / 2);
   for (int i = 0; i < static_cast<int>(lines.size()) && top + i < LINES; ++i) {
@@ -347,7 +360,6 @@ void CursesTerminal::Impl::DrawTooSmallMessage() {
 }
 
 void CursesTerminal::Impl::Repaint() {
-  tooSmall = COLS < width || LINES < height;
   clearok(curscr, TRUE);
   werase(stdscr);
   if (tooSmall) {
@@ -399,7 +411,7 @@ bool CursesTerminal::Impl::Pump(bool block) {
   for (std::size_t i = events.size(); i > static_cast<std::size_t>(key.consumed); --i)
     pendingEvents.push_front(events[i - 1]);
   if (key.resize) {
-    Repaint();
+    resizePending = true;
   } else if (!tooSmall) {  // keys typed while the window is too small are dropped
     pendingBytes.insert(pendingBytes.end(), key.bytes.begin(), key.bytes.end());
   }
@@ -472,9 +484,10 @@ void CursesTerminal::Present(const std::vector<Cell>& cells, const std::vector<b
     if (!all && (static_cast<std::size_t>(y) >= dirty.size() || !dirty[y])) continue;
     std::copy_n(cells.begin() + static_cast<std::ptrdiff_t>(y) * t.width, t.width,
                 t.grid.begin() + static_cast<std::ptrdiff_t>(y) * t.width);
-    if (!t.tooSmall && y < LINES) t.DrawRow(y);
+    if (!t.tooSmall && !t.resizing && y < LINES) t.DrawRow(y);
   }
-  if (t.tooSmall) return;  // the message stays until the window is large enough
+  // The message stays until the window is large enough; a resize repaints everything after.
+  if (t.tooSmall || t.resizing) return;
   t.repaintAll = false;
   t.ApplyCursor(true);
   wnoutrefresh(stdscr);
@@ -488,10 +501,29 @@ void CursesTerminal::SetCursor(CursorShape shape, int col, int row) {
   impl_->cursorRow = row;
 }
 
+bool CursesTerminal::Pump(bool block) {
+  Impl& t = *impl_;
+  const bool read = t.Pump(block);
+  if (t.resizePending) {
+    t.resizePending = false;
+    if (t.TakeSize()) {
+      // The program draws its screen at the new size into the grid; shown all at once below.
+      t.resizing = true;
+      struct Reset {
+        bool& flag;
+        ~Reset() { flag = false; }
+      } reset{t.resizing};
+      NotifyResize();
+    }
+    t.Repaint();
+  }
+  return read;
+}
+
 std::uint8_t CursesTerminal::ReadByte() {
   Impl& t = *impl_;
   if (t.closed) throw std::logic_error("ReadByte on a closed terminal");
-  while (t.pendingBytes.empty()) t.Pump(true);
+  while (t.pendingBytes.empty()) Pump(true);
   const std::uint8_t b = t.pendingBytes.front();
   t.pendingBytes.pop_front();
   return b;
@@ -501,7 +533,7 @@ bool CursesTerminal::KeyWaiting() {
   Impl& t = *impl_;
   if (t.closed) return false;
   while (t.pendingBytes.empty())
-    if (!t.Pump(false)) return false;
+    if (!Pump(false)) return false;
   return true;
 }
 

@@ -53,6 +53,11 @@ class CursesTerminal final : public Terminal {
   static void EmergencyRestore() noexcept;
 
  private:
+  // Reads what the keyboard has (waiting for it when `block`); false when nothing was there.
+  // A resize is taken here: the program redraws through the resize handler, then the whole
+  // screen is shown anew.
+  bool Pump(bool block);
+
   std::unique_ptr<Impl> impl_;
 };
 

@@ -9,16 +9,59 @@ Screen::Screen(Terminal& term)
       width_(term.Width()),
       height_(term.Height()),
       cells_(static_cast<std::size_t>(width_ * height_)),
-      dirty_(static_cast<std::size_t>(height_), true) {}
+      backdrop_(cells_),
+      dirty_(static_cast<std::size_t>(height_), true) {
+  term_.OnResize([this] {
+    Resize(term_.Width(), term_.Height());
+    if (after_resize_) after_resize_();
+    Flush();
+  });
+}
 
-Cell* Screen::CellAt(int col, int row) {
-  if (col < 1 || row < 1 || col > width_ || row > height_) return nullptr;
-  return &cells_[static_cast<std::size_t>((row - 1) * width_ + (col - 1))];
+Screen::~Screen() {
+  term_.OnResize(nullptr);
+}
+
+void Screen::Set(int col, int row, Cell c) {
+  if (!Inside(col, row)) return;
+  cells_[Index(col, row)] = c;
+  if (in_backdrop_) backdrop_[Index(col, row)] = c;
+  MarkDirty(row);
 }
 
 void Screen::MarkDirty(int row) {
   dirty_[static_cast<std::size_t>(row - 1)] = true;
   any_dirty_ = true;
+}
+
+void Screen::Resize(int width, int height) {
+  if (width == width_ && height == height_) return;
+  const std::vector<Cell> old = std::move(cells_);
+  const std::vector<Cell> old_backdrop = std::move(backdrop_);
+  const int old_width = width_;
+  const int old_height = height_;
+  width_ = width;
+  height_ = height;
+  cells_.assign(static_cast<std::size_t>(width_ * height_), Cell{});
+  backdrop_ = cells_;
+  dirty_.assign(static_cast<std::size_t>(height_), true);
+  any_dirty_ = true;
+  if (paint_backdrop_) paint_backdrop_();
+
+  const auto old_at = [&](int col, int row) {
+    return static_cast<std::size_t>((row - 1) * old_width + (col - 1));
+  };
+  const int cols = std::min(old_width, width_);
+  for (int y = 1; y < std::min(old_height, height_); ++y)
+    for (int x = 1; x <= cols; ++x)
+      if (old[old_at(x, y)] != old_backdrop[old_at(x, y)]) cells_[Index(x, y)] = old[old_at(x, y)];
+  // The status line, its last cell's colour carried on across new columns.
+  for (int x = 1; x <= width_; ++x)
+    cells_[Index(x, height_)] =
+        x <= cols ? old[old_at(x, old_height)] : Cell{' ', old[old_at(old_width, old_height)].attr};
+  cur_col_ = std::min(cur_col_, width_);
+  cur_row_ = std::min(cur_row_, height_);
+  cursor_changed_ = true;
 }
 
 int Screen::VisibleLength(std::string_view s) {
@@ -42,12 +85,9 @@ void Screen::WriteStr(int col, int row, std::uint8_t attr, std::string_view s, i
       if (i + 1 < s.size()) attr = static_cast<std::uint8_t>(s[++i]);
       continue;
     }
-    if (Cell* c = CellAt(x, row)) *c = {static_cast<std::uint8_t>(s[i]), attr};
-    ++x;
+    Set(x++, row, {static_cast<std::uint8_t>(s[i]), attr});
   }
-  for (; x < col + width; ++x)
-    if (Cell* c = CellAt(x, row)) *c = {' ', start};
-  MarkDirty(row);
+  for (; x < col + width; ++x) Set(x, row, {' ', start});
 }
 
 void Screen::WriteStrCursor(int col, int row, std::uint8_t attr, std::string_view s, int width) {
@@ -56,30 +96,23 @@ void Screen::WriteStrCursor(int col, int row, std::uint8_t attr, std::string_vie
 }
 
 void Screen::Put(int col, int row, Cell c) {
-  if (Cell* p = CellAt(col, row)) {
-    *p = c;
-    MarkDirty(row);
-  }
+  Set(col, row, c);
 }
 
 Cell Screen::At(int col, int row) const {
-  if (col < 1 || row < 1 || col > width_ || row > height_) return {};
-  return cells_[static_cast<std::size_t>((row - 1) * width_ + (col - 1))];
+  return Inside(col, row) ? cells_[Index(col, row)] : Cell{};
 }
 
 void Screen::FillRect(int left, int top, int right, int bottom, std::uint8_t ch,
                       std::uint8_t attr) {
-  for (int y = std::max(top, 1); y <= std::min(bottom, height_); ++y) {
-    for (int x = std::max(left, 1); x <= std::min(right, width_); ++x) *CellAt(x, y) = {ch, attr};
-    MarkDirty(y);
-  }
+  for (int y = std::max(top, 1); y <= std::min(bottom, height_); ++y)
+    for (int x = std::max(left, 1); x <= std::min(right, width_); ++x) Set(x, y, {ch, attr});
 }
 
 void Screen::SetAttrRect(int left, int top, int right, int bottom, std::uint8_t attr) {
-  for (int y = std::max(top, 1); y <= std::min(bottom, height_); ++y) {
-    for (int x = std::max(left, 1); x <= std::min(right, width_); ++x) CellAt(x, y)->attr = attr;
-    MarkDirty(y);
-  }
+  for (int y = std::max(top, 1); y <= std::min(bottom, height_); ++y)
+    for (int x = std::max(left, 1); x <= std::min(right, width_); ++x)
+      Set(x, y, {At(x, y).ch, attr});
 }
 
 Screen::Saved Screen::Save(int left, int top, int right, int bottom) const {
@@ -88,17 +121,24 @@ Screen::Saved Screen::Save(int left, int top, int right, int bottom) const {
   s.top = std::max(top, 1);
   s.right = std::min(right, width_);
   s.bottom = std::min(bottom, height_);
+  s.last_row = height_;
   for (int y = s.top; y <= s.bottom; ++y)
-    for (int x = s.left; x <= s.right; ++x) s.cells.push_back(At(x, y));
+    for (int x = s.left; x <= s.right; ++x) {
+      s.cells.push_back(cells_[Index(x, y)]);
+      s.backdrop.push_back(cells_[Index(x, y)] == backdrop_[Index(x, y)]);
+    }
   return s;
 }
 
 void Screen::Restore(const Saved& s) {
   std::size_t i = 0;
-  for (int y = s.top; y <= s.bottom; ++y) {
-    for (int x = s.left; x <= s.right; ++x) *CellAt(x, y) = s.cells[i++];
-    MarkDirty(y);
-  }
+  for (int y = s.top; y <= s.bottom; ++y)
+    for (int x = s.left; x <= s.right; ++x, ++i) {
+      if (y == s.last_row)
+        Set(x, height_, s.cells[i]);
+      else if (y < height_)
+        Set(x, y, s.backdrop[i] && Inside(x, y) ? backdrop_[Index(x, y)] : s.cells[i]);
+    }
 }
 
 void Screen::SetCursorShape(CursorShape shape) {

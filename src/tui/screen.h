@@ -3,8 +3,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tui/terminal.h"
@@ -16,10 +18,52 @@ inline constexpr char kColourEscape = '\x01';
 
 class Screen {
  public:
+  // Follows the terminal's size from now on (see Resize).
   explicit Screen(Terminal& term);
+  ~Screen();
+  Screen(const Screen&) = delete;
+  Screen& operator=(const Screen&) = delete;
 
   int Width() const { return width_; }
   int Height() const { return height_; }
+
+  // The backdrop is what lies beneath all windows: the desktop and its header. Writes made
+  // while a Backdrop object lives are backdrop writes; the screen keeps a copy of them, so that
+  // it can tell window cells from backdrop cells. `paint` draws the whole backdrop for the
+  // current size.
+  void SetBackdropPainter(std::function<void()> paint) { paint_backdrop_ = std::move(paint); }
+  class Backdrop {
+   public:
+    explicit Backdrop(Screen& s) : s_(s), was_(s.in_backdrop_) { s.in_backdrop_ = true; }
+    ~Backdrop() { s_.in_backdrop_ = was_; }
+    Backdrop(const Backdrop&) = delete;
+    Backdrop& operator=(const Backdrop&) = delete;
+
+   private:
+    Screen& s_;
+    bool was_;
+  };
+
+  // Takes a new size: the backdrop is painted afresh, every window cell stays where it was (or
+  // is cut off at the new edges) and the status line moves to the new last row. The terminal's
+  // resize notification calls this and presents the result.
+  void Resize(int width, int height);
+
+  // While an AfterResize object lives, `redraw` runs after each change of size, before the new
+  // screen is shown. A window that fills the screen sets one while it waits for its own keys,
+  // so that it fits the new size at once.
+  class AfterResize {
+   public:
+    AfterResize(Screen& s, std::function<void()> redraw)
+        : s_(s), was_(std::exchange(s.after_resize_, std::move(redraw))) {}
+    ~AfterResize() { s_.after_resize_ = std::move(was_); }
+    AfterResize(const AfterResize&) = delete;
+    AfterResize& operator=(const AfterResize&) = delete;
+
+   private:
+    Screen& s_;
+    std::function<void()> was_;
+  };
 
   // Writes `s` at (col,row) starting in `attr`; 0x01 + byte switches the attribute. When
   // `width` is larger than the visible length the rest is filled with blanks in `attr`.
@@ -37,10 +81,15 @@ class Screen {
   void FillRect(int left, int top, int right, int bottom, std::uint8_t ch, std::uint8_t attr);
   void SetAttrRect(int left, int top, int right, int bottom, std::uint8_t attr);
 
-  // A copy of the cells of a rectangle, to put back later (what lies beneath a box).
+  // A copy of the cells of a rectangle, to put back later (what lies beneath a box). Restoring
+  // puts back the window cells it holds where they were; where it held backdrop the backdrop
+  // is drawn as it is now, and its part of the status line goes to the current last row. So
+  // a box that closes after a resize leaves the backdrop of the new size behind.
   struct Saved {
     int left = 0, top = 0, right = -1, bottom = -1;
+    int last_row = 0;  // the status line's row when saved
     std::vector<Cell> cells;
+    std::vector<bool> backdrop;  // per cell: it showed the backdrop
     bool empty() const { return cells.empty(); }
   };
   Saved Save(int left, int top, int right, int bottom) const;
@@ -71,13 +120,24 @@ class Screen {
   Terminal& terminal() { return term_; }
 
  private:
-  Cell* CellAt(int col, int row);
+  std::size_t Index(int col, int row) const {
+    return static_cast<std::size_t>((row - 1) * width_ + (col - 1));
+  }
+  bool Inside(int col, int row) const {
+    return col >= 1 && row >= 1 && col <= width_ && row <= height_;
+  }
+  // Every write goes through here; a backdrop write also lands in the backdrop copy.
+  void Set(int col, int row, Cell c);
   void MarkDirty(int row);
 
   Terminal& term_;
   int width_;
   int height_;
   std::vector<Cell> cells_;
+  std::vector<Cell> backdrop_;  // what the backdrop shows at each cell
+  std::function<void()> paint_backdrop_;
+  std::function<void()> after_resize_;
+  bool in_backdrop_ = false;
   std::vector<bool> dirty_;
   bool any_dirty_ = true;
   CursorShape shape_ = CursorShape::kHidden;

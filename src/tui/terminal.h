@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 namespace ks {
@@ -20,7 +21,8 @@ class Terminal {
  public:
   virtual ~Terminal() = default;
 
-  // The size in cells when the screen was opened.
+  // The size in cells. It changes when the terminal is resized; the handler set with OnResize
+  // is told so.
   virtual int Width() const = 0;
   virtual int Height() const = 0;
 
@@ -44,6 +46,18 @@ class Terminal {
   // Leaves full-screen mode. The top `keepRows` rows of the last presented cells stay on the
   // terminal, the rest of it is cleared and the cursor waits at the start of the next row.
   virtual void Close(int keepRows) = 0;
+
+  // `handler` runs, from inside ReadByte or KeyWaiting, each time the size has changed; it is
+  // expected to present cells of the new size. A resize never shows up as a key.
+  void OnResize(std::function<void()> handler) { on_resize_ = std::move(handler); }
+
+ protected:
+  void NotifyResize() {
+    if (on_resize_) on_resize_();
+  }
+
+ private:
+  std::function<void()> on_resize_;
 };
 
 }  // namespace ks

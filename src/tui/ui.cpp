@@ -23,26 +23,36 @@ Screen& scr() {
 UiScope::UiScope(Screen& screen) {
   g_ui = Ui();
   g_ui.screen = &screen;
+  screen.SetBackdropPainter(DrawDesktop);
 }
 
 UiScope::~UiScope() {
+  if (g_ui.screen) g_ui.screen->SetBackdropPainter(nullptr);
   g_ui = Ui();
 }
 
 void DrawHeader() {
   Screen& s = scr();
-  const auto& c = ui().colours;
+  const Screen::Backdrop backdrop(s);
+  const Ui& u = ui();
+  const auto& c = u.colours;
   DrawFrame(1, 1, s.Width(), kHeaderRows, c[kHeaderFrame], kDoubleFrame);
   s.FillRect(2, 2, s.Width() - 1, kHeaderRows - 1, ' ', c[kHeaderText]);
-  s.WriteStr(3, 2, c[kHeaderText], ui().header_line2);
-  s.WriteStr(3, 3, c[kHeaderText], ui().header_line3);
+  s.WriteStr(3, 2, c[kHeaderText], u.header_line2);
+  s.WriteStr(3, 3, c[kHeaderText], u.header_line3);
+  s.WriteStr(s.Width() - 1 - Screen::VisibleLength(u.header_right2), 2, c[kHeaderText],
+             u.header_right2);
+  s.WriteStr(s.Width() - 9, 3, c[kHeaderText], u.header_right3);
 }
 
 void DrawDesktop() {
   Screen& s = scr();
   const auto& c = ui().colours;
   DrawHeader();
-  s.FillRect(1, kHeaderRows + 1, s.Width(), s.Height() - 1, c[kBgChar], c[kBackground]);
+  {
+    const Screen::Backdrop backdrop(s);
+    s.FillRect(1, kHeaderRows + 1, s.Width(), s.Height() - 1, c[kBgChar], c[kBackground]);
+  }
   ShowStatus("");
 }
 

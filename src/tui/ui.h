@@ -21,13 +21,17 @@ struct Ui {
   std::function<void()> popup;               // Alt-Z
   std::string header_line2;                  // left part of the header's text rows
   std::string header_line3;
+  std::string header_right2;  // right-aligned on row 2, its last character two columns
+                              // from the right edge
+  std::string header_right3;  // on row 3, starting nine columns from the right edge
 };
 
 // The one instance. Tests reset it through UiScope.
 Ui& ui();
 Screen& scr();
 
-// Installs a screen for the lifetime of the scope and restores a fresh Ui afterwards.
+// Installs a screen for the lifetime of the scope and restores a fresh Ui afterwards. The
+// screen's backdrop is the desktop (DrawDesktop), redrawn that way when the size changes.
 class UiScope {
  public:
   explicit UiScope(Screen& screen);
@@ -40,7 +44,8 @@ class UiScope {
 inline constexpr int kHeaderRows = 4;
 
 // Fills the screen with the desktop: the header, the background character in the background
-// colour, and an empty status line.
+// colour, and an empty status line. Both draw the screen's backdrop, so they follow the
+// screen's size.
 void DrawDesktop();
 void DrawHeader();
 

@@ -1,5 +1,6 @@
 #include "tui/virtual_terminal.h"
 
+#include <cstdio>
 #include <map>
 
 #include "tui/keys.h"
@@ -50,13 +51,19 @@ void VirtualTerminal::Keys(std::string_view script) {
       std::size_t end = script.find('>', i);
       if (end == std::string_view::npos) throw std::invalid_argument("unclosed < in key script");
       auto name = script.substr(i + 1, end - i - 1);
+      int w = 0, h = 0;
+      if (std::sscanf(std::string(name).c_str(), "Resize %dx%d", &w, &h) == 2) {
+        keys_.push_back({0, w, h});
+        i = end;
+        continue;
+      }
       auto it = KeyNames().find(name);
       if (it == KeyNames().end())
         throw std::invalid_argument("unknown key <" + std::string(name) + ">");
-      keys_.insert(keys_.end(), it->second.begin(), it->second.end());
+      for (std::uint8_t b : it->second) keys_.push_back({b});
       i = end;
     } else {
-      keys_.push_back(static_cast<std::uint8_t>(script[i]));
+      keys_.push_back({static_cast<std::uint8_t>(script[i])});
     }
   }
 }
@@ -79,10 +86,20 @@ void VirtualTerminal::SetCursor(CursorShape shape, int col, int row) {
 }
 
 std::uint8_t VirtualTerminal::ReadByte() {
-  if (keys_.empty()) throw KeysExhausted();
-  std::uint8_t b = keys_.front();
-  keys_.pop_front();
-  return b;
+  for (;;) {
+    if (keys_.empty()) throw KeysExhausted();
+    const Step step = keys_.front();
+    keys_.pop_front();
+    if (step.width == 0) return step.key;
+    Resize(step.width, step.height);
+  }
+}
+
+void VirtualTerminal::Resize(int width, int height) {
+  width_ = width;
+  height_ = height;
+  cells_.assign(static_cast<std::size_t>(width * height), Cell{});
+  NotifyResize();
 }
 
 void VirtualTerminal::Close(int keepRows) {

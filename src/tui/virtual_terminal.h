@@ -25,12 +25,16 @@ class VirtualTerminal : public Terminal {
   // Queues keys. Plain characters stand for themselves; names in angle brackets stand for
   // keys: <Enter> <Esc> <Tab> <S-Tab> <BS> <Space> <Up> <Down> <Left> <Right> <Home> <End>
   // <PgUp> <PgDn> <Ins> <Del> <F1>..<F10> <Alt-A>..<Alt-Z> <lt> (a literal "<").
+  // <Resize WxH> is no key: the terminal takes that size when the program reads up to it.
   void Keys(std::string_view script);
   std::size_t KeysLeft() const { return keys_.size(); }
 
   // When true, KeyWaiting() reports queued keys (a key typed during a long operation);
   // by default it reports none, so scripts are never eaten by such checks.
   void set_type_ahead(bool on) { type_ahead_ = on; }
+
+  // Takes a new size, as when the user resizes the window, and tells the resize handler.
+  void Resize(int width, int height);
 
   // What is on the virtual screen.
   std::string Row(int row) const;  // CP437 bytes, 1-based row
@@ -60,7 +64,11 @@ class VirtualTerminal : public Terminal {
  private:
   int width_, height_;
   std::vector<Cell> cells_;
-  std::deque<std::uint8_t> keys_;
+  struct Step {
+    std::uint8_t key = 0;
+    int width = 0, height = 0;  // a resize when width > 0
+  };
+  std::deque<Step> keys_;
   bool type_ahead_ = false;
   CursorShape shape_ = CursorShape::kHidden;
   int col_ = 1, row_ = 1;

@@ -111,6 +111,21 @@ TEST_F(ViewerTest, WindowSitsUnderTheHeaderAndEscRestoresTheScreen) {
   EXPECT_TRUE(Dump() == before);
 }
 
+// A resize while the viewer waits for a key: the window fills the new screen at once, showing
+// more lines, and Esc leaves the desktop of the new size.
+TEST_F(ViewerTest, WindowFitsANewSizeAtOnce) {
+  DrawDesktop();
+  DocSource doc(DocSource::InMemory{}, NumberedLines(40));
+  DocViewer viewer(doc, "The manual");
+  RunOut(viewer, "<Down><Resize 100x30><Esc>");
+  EXPECT_EQ(vt_.At(100, 5).ch, 0xBB);
+  EXPECT_EQ(vt_.At(100, 29).ch, 0xBC);
+  EXPECT_EQ(TextRow(kFirstTextRow + 22).substr(0, 15), "Line 0023 -----");
+  EXPECT_EQ(vt_.Row(30).substr(0, 7), "F-find ");
+  Dump();
+  for (int y = 5; y < 30; ++y) EXPECT_EQ(vt_.Row(y), std::string(100, '\xB1')) << "row " << y;
+}
+
 TEST_F(ViewerTest, ScrollingKeepsTheLastPageFull) {
   const std::string text = NumberedLines(30);  // 12 lines more than a page
   struct Case {

@@ -407,5 +407,50 @@ TEST_F(FileechoGlobalTest, ChangeStatusTouchesOnlyTheChosenBits) {
             kSysReceiveFiles | kSysPause | (msHold << kSysStatusShift));
 }
 
+// Resizes in the middle of an edit: after each one the desktop, header and status line are
+// drawn for the new size, the page stays where it was with the cursor after the typed text,
+// and the typing goes on into the same field. Closing the manager at yet another size leaves
+// the desktop of that size, the old status row included.
+TEST_F(FileechoTest, PageFollowsResizesAndKeepsTheEdit) {
+  Seed({Echo("ONE", dir_ / "old/")});
+  ui().header_right3 = "F1=Help";
+  DrawDesktop();
+  const std::string desk(120, '\xB1');
+  struct Step {
+    const char* keys;
+    int width, height;
+    std::string typed;
+  } steps[] = {
+      {"AB<Resize 100x30>", 100, 30, "AB"},
+      {"C<Resize 80x25>", 80, 25, "ABC"},
+      {"<Resize 120x40>D<Resize 90x28>E", 90, 28, "ABCDE"},
+  };
+  std::string keys = "<Enter><Down><End>";  // editing the description
+  for (const Step& st : steps) {
+    SCOPED_TRACE(st.keys);
+    keys += st.keys;
+    vt_.Resize(80, 25);
+    Run(keys);
+    const int w = st.width, h = st.height;
+    ASSERT_EQ(vt_.Width(), w);
+    EXPECT_EQ(vt_.Row(h).find("Fileecho description"), 0u);
+    EXPECT_EQ(vt_.At(w, 1).ch, 0xBB);
+    EXPECT_EQ(vt_.Row(3).substr(w - 10, 7), "F1=Help");
+    EXPECT_EQ(vt_.At(4, 4).ch, 0xC9);  // the page's corner over the header
+    EXPECT_EQ(vt_.Row(7).substr(14, st.typed.size() + 1), st.typed + " ");
+    EXPECT_EQ(vt_.Row(7).substr(80), desk.substr(0, w - 80));
+    for (int y = 23; y < h; ++y) EXPECT_EQ(vt_.Row(y), desk.substr(0, w)) << "row " << y;
+    EXPECT_EQ(vt_.cursor_col(), 15 + static_cast<int>(st.typed.size()));
+    EXPECT_EQ(vt_.cursor_row(), 7);
+  }
+  vt_.Resize(80, 25);
+  vt_.Keys(keys + kSave + "<Esc>");
+  RunFileechoManager(ctx_);
+  EXPECT_EQ(Rec(0).description.str(), "ABCDE");
+  EXPECT_EQ(Row(4), "\xC8" + std::string(88, '\xCD') + "\xBC");
+  for (int y = 5; y < 28; ++y) EXPECT_EQ(vt_.Row(y), desk.substr(0, 90)) << "row " << y;
+  EXPECT_EQ(vt_.Row(28), std::string(90, ' '));
+}
+
 }  // namespace
 }  // namespace ks

@@ -1,5 +1,6 @@
 #include "tui/screen.h"
 
+#include "tui/box.h"
 #include "tui/colours.h"
 #include "vt_fixture.h"
 
@@ -66,6 +67,25 @@ TEST_F(ScreenTest, OnlyChangedRowsArePresentedAndKeysFlushFirst) {
   EXPECT_EQ(screen_.ReadCode(&extended), 'a');
   EXPECT_FALSE(extended);
   EXPECT_THROW(screen_.ReadKey(), KeysExhausted);
+}
+
+// A box that closes after a resize leaves the backdrop of the new size behind: the header as it
+// is drawn now (its right part moved with the right edge), and desktop where the status line
+// used to be.
+TEST_F(ScreenTest, BoxClosedAfterResizeLeavesTheBackdropOfTheNewSize) {
+  ui().header_right2 = "2:280/5555";
+  DrawDesktop();
+  BoxOBJ box(50, 2, 79, 23, "Over the header");
+  box.Draw();
+  ShowStatus("Box status");
+  screen_.Resize(100, 30);
+  EXPECT_EQ(screen_.At(50, 2).ch, 0xC9);
+  EXPECT_EQ(screen_.RowText(30).substr(0, 11), "Box status ");
+  box.Hide();
+  std::vector<std::string> rows;
+  for (int y = 1; y < 30; ++y) rows.push_back(screen_.RowText(y));
+  DrawDesktop();
+  for (int y = 1; y < 30; ++y) EXPECT_EQ(rows[y - 1], screen_.RowText(y)) << "row " << y;
 }
 
 class StatusLineTest : public VtTest {};

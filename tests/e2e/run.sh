@@ -462,6 +462,82 @@ case_fileecho_node() {
   done
 }
 
+# drawn W H STATUS TEXT: the screen is drawn for W x H: the header across the width with the
+# address two columns and "F1=Help" nine columns from the right edge, STATUS at the start of the
+# last row, desktop on the row above it, and TEXT somewhere. WHY says what is not.
+drawn() {
+  local w=$1 h=$2 screen line
+  screen=$(pane)
+  line=$(sed -n 1p <<<"$screen")
+  [ "${#line}" = "$w" ] && [ "${line: -1}" = "╗" ] || fail "row 1 is not a header of $w columns" || return 1
+  line=$(sed -n 2p <<<"$screen")
+  [ "${#line}" = "$w" ] && [ "${line: -12}" = "2:280/5555 ║" ] || fail "address not at the right edge" || return 1
+  line=$(sed -n 3p <<<"$screen")
+  [ "${line: -10}" = "F1=Help  ║" ] || fail "F1=Help not at the right edge" || return 1
+  case $(sed -n "${h}p" <<<"$screen") in "$3"*) ;; *) fail "\"$3\" not on row $h" || return 1 ;; esac
+  [ "$(sed -n "$((h - 1))p" <<<"$screen")" = "$(printf '▒%.0s' $(seq "$w"))" ] ||
+    fail "row $((h - 1)) is not desktop" || return 1
+  grep -qF -- "$4" <<<"$screen" || fail "\"$4\" missing at ${w}x$h"
+}
+
+# check_drawn W H STATUS TEXT: waits until the screen is drawn so (a resize takes a moment).
+check_drawn() {
+  local i
+  for ((i = 0; i < TIMEOUT_TICKS; i++)); do
+    drawn "$@" && return 0
+    sleep 0.05
+  done
+  return 1
+}
+
+# resize_cycle STATUS TEXT: 80x25 -> 100x30 -> 80x25 -> 60x20 -> 80x25. Below 80x25 a message
+# asks for a larger window; at every step the program lives on and is drawn for the size.
+resize_cycle() {
+  local size
+  for size in 100x30 80x25 60x20 80x25; do
+    tmx resize-window -t "$SESSION" -x "${size%x*}" -y "${size#*x}"
+    if [ "$size" = 60x20 ]; then
+      wait_text "needs a window of at least 80x25 (now 60x20)" || return 1
+    else
+      check_drawn "${size%x*}" "${size#*x}" "$1" "$2" || return 1
+    fi
+    [ ! -f "$STATUS" ] || fail "program ended at $size" || return 1
+  done
+}
+
+case_resize() {
+  local d
+  d=$(demo_dir) || fail "mkdemo failed" || return 1
+  start resize "$d"
+  wait_text "Miscellaneous system parameters" 25 || return 1
+  resize_cycle "Miscellaneous system parameters" "═ Main ═" || return 1
+  # The same inside a fileecho page, with an edit going on before, during and after.
+  keys Down Down Down Enter
+  wait_text "Fileecho maintenance" 25 || return 1
+  keys Enter
+  wait_text "F2-global F3-advanced" || return 1
+  keys Enter
+  wait_text "Editing entry" 4 || return 1
+  keys Down End " XY"
+  wait_text "software XY" || return 1
+  resize_cycle "Fileecho description" "FidoNet related software XY " || return 1
+  tmx resize-window -t "$SESSION" -x 100 -y 30
+  check_drawn 100 30 "Fileecho description" "Editing entry" || return 1
+  keys Z
+  wait_text "software XYZ" || return 1
+  keys Escape
+  wait_text "Save changes?" || return 1
+  keys Enter
+  wait_text "Enter-edit" 30 || return 1
+  keys Escape
+  wait_text "Fileecho maintenance" 30 || return 1
+  keys F9
+  wait_text "Fileecho configuration" 30 || return 1
+  keys F9
+  wait_exit || return 1
+  grep -qa "FidoNet related software XYZ" "$d/FAREAS.KSX" || fail "the edit did not reach FAREAS.KSX"
+}
+
 [ -x "$MKDEMO" ] || { echo "FAIL setup: $MKDEMO not built"; exit 1; }
 tmx new-session -d -s idle -x 80 -y 25 || { echo "FAIL setup: tmux server did not start"; exit 1; }
 
@@ -474,6 +550,7 @@ run_case "F1 help viewer and Alt-Z character chart" case_help_chart
 run_case "Index rebuilds a damaged index, Pack drops a deleted record" case_index_pack
 run_case "FileFind areas and hatch manager: add, edit, delete" case_lists
 run_case "fileecho and node managers: connect a new node, change its address" case_fileecho_node
+run_case "resizes in the main menu and in a fileecho page, below 80x25 and back" case_resize
 
 if [ "$failures" -gt 0 ]; then
   echo "$failures case(s) failed"

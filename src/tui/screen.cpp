@@ -10,6 +10,7 @@ Screen::Screen(Terminal& term)
       height_(term.Height()),
       cells_(static_cast<std::size_t>(width_ * height_)),
       backdrop_(cells_),
+      layers_(cells_.size(), Layer::kBackdrop),
       dirty_(static_cast<std::size_t>(height_), true) {
   term_.OnResize([this] {
     Resize(term_.Width(), term_.Height());
@@ -24,8 +25,10 @@ Screen::~Screen() {
 
 void Screen::Set(int col, int row, Cell c) {
   if (!Inside(col, row)) return;
-  cells_[Index(col, row)] = c;
-  if (in_backdrop_) backdrop_[Index(col, row)] = c;
+  const std::size_t i = Index(col, row);
+  cells_[i] = c;
+  if (in_backdrop_) backdrop_[i] = c;
+  layers_[i] = in_backdrop_ ? Layer::kBackdrop : Layer::kWindow;
   MarkDirty(row);
 }
 
@@ -37,13 +40,14 @@ void Screen::MarkDirty(int row) {
 void Screen::Resize(int width, int height) {
   if (width == width_ && height == height_) return;
   const std::vector<Cell> old = std::move(cells_);
-  const std::vector<Cell> old_backdrop = std::move(backdrop_);
+  const std::vector<Layer> old_layers = std::move(layers_);
   const int old_width = width_;
   const int old_height = height_;
   width_ = width;
   height_ = height;
   cells_.assign(static_cast<std::size_t>(width_ * height_), Cell{});
   backdrop_ = cells_;
+  layers_.assign(cells_.size(), Layer::kBackdrop);
   dirty_.assign(static_cast<std::size_t>(height_), true);
   any_dirty_ = true;
   if (paint_backdrop_) paint_backdrop_();
@@ -53,8 +57,15 @@ void Screen::Resize(int width, int height) {
   };
   const int cols = std::min(old_width, width_);
   for (int y = 1; y < std::min(old_height, height_); ++y)
-    for (int x = 1; x <= cols; ++x)
-      if (old[old_at(x, y)] != old_backdrop[old_at(x, y)]) cells_[Index(x, y)] = old[old_at(x, y)];
+    for (int x = 1; x <= cols; ++x) {
+      const std::size_t o = old_at(x, y), n = Index(x, y);
+      if (old_layers[o] == Layer::kBackdrop) continue;
+      if (old_layers[o] == Layer::kWindow)
+        cells_[n] = old[o];
+      else
+        cells_[n].attr = old[o].attr;  // a shadow falls on the new backdrop
+      layers_[n] = old_layers[o];
+    }
   // The status line, its last cell's colour carried on across new columns.
   for (int x = 1; x <= width_; ++x)
     cells_[Index(x, height_)] =
@@ -111,8 +122,11 @@ void Screen::FillRect(int left, int top, int right, int bottom, std::uint8_t ch,
 
 void Screen::SetAttrRect(int left, int top, int right, int bottom, std::uint8_t attr) {
   for (int y = std::max(top, 1); y <= std::min(bottom, height_); ++y)
-    for (int x = std::max(left, 1); x <= std::min(right, width_); ++x)
+    for (int x = std::max(left, 1); x <= std::min(right, width_); ++x) {
+      const Layer was = layers_[Index(x, y)];
       Set(x, y, {At(x, y).ch, attr});
+      if (!in_backdrop_ && was != Layer::kWindow) layers_[Index(x, y)] = Layer::kShade;
+    }
 }
 
 Screen::Saved Screen::Save(int left, int top, int right, int bottom) const {
@@ -125,7 +139,7 @@ Screen::Saved Screen::Save(int left, int top, int right, int bottom) const {
   for (int y = s.top; y <= s.bottom; ++y)
     for (int x = s.left; x <= s.right; ++x) {
       s.cells.push_back(cells_[Index(x, y)]);
-      s.backdrop.push_back(cells_[Index(x, y)] == backdrop_[Index(x, y)]);
+      s.layers.push_back(layers_[Index(x, y)]);
     }
   return s;
 }
@@ -134,10 +148,19 @@ void Screen::Restore(const Saved& s) {
   std::size_t i = 0;
   for (int y = s.top; y <= s.bottom; ++y)
     for (int x = s.left; x <= s.right; ++x, ++i) {
-      if (y == s.last_row)
+      if (y == s.last_row) {
         Set(x, height_, s.cells[i]);
-      else if (y < height_)
-        Set(x, y, s.backdrop[i] && Inside(x, y) ? backdrop_[Index(x, y)] : s.cells[i]);
+        continue;
+      }
+      if (y >= height_ || !Inside(x, y)) continue;
+      const std::size_t n = Index(x, y);
+      const Layer layer = s.layers[i];
+      if (layer == Layer::kWindow)
+        cells_[n] = s.cells[i];
+      else
+        cells_[n] = {backdrop_[n].ch, layer == Layer::kShade ? s.cells[i].attr : backdrop_[n].attr};
+      layers_[n] = layer;
+      MarkDirty(y);
     }
 }
 

@@ -28,9 +28,14 @@ class Screen {
   int Height() const { return height_; }
 
   // The backdrop is what lies beneath all windows: the desktop and its header. Writes made
-  // while a Backdrop object lives are backdrop writes; the screen keeps a copy of them, so that
-  // it can tell window cells from backdrop cells. `paint` draws the whole backdrop for the
-  // current size.
+  // while a Backdrop object lives are backdrop writes; the screen keeps a copy of them and
+  // knows of each cell which layer it shows. `paint` draws the whole backdrop for the current
+  // size.
+  enum class Layer : std::uint8_t {
+    kBackdrop,
+    kShade,   // the backdrop's character in a colour of its own: a window's shadow
+    kWindow,  // anything else written
+  };
   void SetBackdropPainter(std::function<void()> paint) { paint_backdrop_ = std::move(paint); }
   class Backdrop {
    public:
@@ -83,13 +88,13 @@ class Screen {
 
   // A copy of the cells of a rectangle, to put back later (what lies beneath a box). Restoring
   // puts back the window cells it holds where they were; where it held backdrop the backdrop
-  // is drawn as it is now, and its part of the status line goes to the current last row. So
-  // a box that closes after a resize leaves the backdrop of the new size behind.
+  // is drawn as it is now (shaded where it was), and its part of the status line goes to the
+  // current last row. So a box that closes after a resize leaves the backdrop of the new size.
   struct Saved {
     int left = 0, top = 0, right = -1, bottom = -1;
     int last_row = 0;  // the status line's row when saved
     std::vector<Cell> cells;
-    std::vector<bool> backdrop;  // per cell: it showed the backdrop
+    std::vector<Layer> layers;
     bool empty() const { return cells.empty(); }
   };
   Saved Save(int left, int top, int right, int bottom) const;
@@ -135,6 +140,7 @@ class Screen {
   int height_;
   std::vector<Cell> cells_;
   std::vector<Cell> backdrop_;  // what the backdrop shows at each cell
+  std::vector<Layer> layers_;   // which layer each cell shows
   std::function<void()> paint_backdrop_;
   std::function<void()> after_resize_;
   bool in_backdrop_ = false;

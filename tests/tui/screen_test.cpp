@@ -69,17 +69,19 @@ TEST_F(ScreenTest, OnlyChangedRowsArePresentedAndKeysFlushFirst) {
   EXPECT_THROW(screen_.ReadKey(), KeysExhausted);
 }
 
-// A box that closes after a resize leaves the backdrop of the new size behind: the header as it
-// is drawn now (its right part moved with the right edge), and desktop where the status line
-// used to be.
+// After a resize a box keeps its place and its shadow falls on the new backdrop; when it closes
+// it leaves the backdrop of the new size behind: the header as it is drawn now (its right part
+// moved with the right edge), and desktop where the status line used to be.
 TEST_F(ScreenTest, BoxClosedAfterResizeLeavesTheBackdropOfTheNewSize) {
   ui().header_right2 = "2:280/5555";
   DrawDesktop();
   BoxOBJ box(50, 2, 79, 23, "Over the header");
   box.Draw();
   ShowStatus("Box status");
+  EXPECT_EQ(screen_.At(80, 3).ch, 0xBA);  // the box's shadow on the header's right edge ...
   screen_.Resize(100, 30);
   EXPECT_EQ(screen_.At(50, 2).ch, 0xC9);
+  EXPECT_EQ(screen_.At(80, 3), (Cell{' ', 0x08}));  // ... falls on the header of the new size
   EXPECT_EQ(screen_.RowText(30).substr(0, 11), "Box status ");
   box.Hide();
   std::vector<std::string> rows;

@@ -5,15 +5,19 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "common/fileutil.h"
 #include "common/recordext.h"
+#include "dbase/database.h"
 #include "dbase/keydef.h"
+#include "dbase/recfiles.h"
 #include "tempdir.h"
 
 namespace ks::test {
@@ -63,23 +67,58 @@ struct TagByteLayout {
   }
 };
 
-class PairTest : public ::testing::Test {
- protected:
-  PairTest() { record_extensions() = {"KSX", "IDX"}; }
-  ~PairTest() override { record_extensions() = {}; }
+// A temporary directory for record files (extensions KSX and IDX), read and written byte for
+// byte or record by record.
+class RecordDir : public TempDir {
+ public:
+  RecordDir() { record_extensions() = {"KSX", "IDX"}; }
+  ~RecordDir() { record_extensions() = {}; }
 
   std::string Read(const std::string& name) const {
-    return ReadWholeFile(dir_ / name).value_or("<missing>");
+    return ReadWholeFile(path() + name).value_or("<missing>");
   }
   Bytes ReadBytes(const std::string& name) const {
     const std::string s = Read(name);
     return Bytes(s.begin(), s.end());
   }
   void WriteBytes(const std::string& name, const Bytes& b) const {
-    dir_.Write(name, std::string(b.begin(), b.end()));
+    Write(name, std::string(b.begin(), b.end()));
   }
+  // Record `n` of the data file `name`, which holds records of `size` bytes.
+  template <class T>
+  T Record(const std::string& name, int n = 0, std::size_t size = sizeof(T)) const {
+    const std::string data = Read(name);
+    T r{};
+    EXPECT_GE(data.size(), (n + 1) * size) << name;
+    if (data.size() >= (n + 1) * size)
+      std::memcpy(static_cast<void*>(&r), data.data() + n * size, std::min(size, sizeof r));
+    return r;
+  }
+  // Adds records to a pair through the list editor's engine, as an editor adds them.
+  template <class T>
+  void Insert(const std::string& base, const KeySet& keys, const std::vector<T>& recs,
+              std::size_t size = sizeof(T)) const {
+    ksDataBase db(base, size, keys);
+    ASSERT_EQ(db.Open(path()), ksDataBase::OpenResult::kOk);
+    for (const T& r : recs) {
+      const void* p = &r;
+      if constexpr (std::is_same_v<T, Bytes>) p = r.data();
+      ASSERT_TRUE(db.Insert(static_cast<const std::uint8_t*>(p)));
+    }
+  }
+  template <class T>
+  void Insert(RecordFileId id, const std::vector<T>& recs, std::size_t size = sizeof(T)) const {
+    Insert(FileDef(id).base, FileDef(id).keys, recs, size);
+  }
+};
 
-  TempDir dir_;
+class PairTest : public ::testing::Test {
+ protected:
+  std::string Read(const std::string& name) const { return dir_.Read(name); }
+  Bytes ReadBytes(const std::string& name) const { return dir_.ReadBytes(name); }
+  void WriteBytes(const std::string& name, const Bytes& b) const { dir_.WriteBytes(name, b); }
+
+  RecordDir dir_;
 };
 
 // Limits the size of files this process may write, so that a write past `bytes` fails the

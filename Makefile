@@ -7,7 +7,7 @@ ASAN_BUILD ?= build-asan
 FUZZ_BUILD ?= build-fuzz
 FUZZ_TIME ?= 60
 # clang and its runtime libraries (libFuzzer, the clang sanitizers) are for `make fuzz`.
-PACKAGES := cmake ninja-build g++ libncurses-dev libgtest-dev tmux clang libclang-rt-dev
+PACKAGES := cmake ninja-build g++ libncurses-dev libgtest-dev tmux strace clang libclang-rt-dev
 
 .PHONY: all deps configure build run run-new test test-sanitize fuzz bench format clean
 

@@ -1,0 +1,304 @@
+// Kills the real ksetup at the moments it changes a file and checks that no fileecho is lost.
+//
+//   kill_test <ksetup> <mkdemo> <fileechos> <kills> [seed]
+//
+// A program directory gets FAREAS.KSX with <fileechos> records (every tenth one deleted) and
+// its index. For each kill a fresh copy of it is worked on by `ksetup Index`, `ksetup Pack` or a
+// list edit in tmux (the tag of the first fileecho changed so that its entry moves to the end,
+// or the first fileecho deleted) under strace, which kills the program with SIGKILL at one
+// call of pwrite64, ftruncate, fsync, rename or unlink chosen at random among the calls that an
+// uninterrupted run makes. Afterwards every fileecho must be in FAREAS.KSX exactly once and
+// whole (the one being edited in its old or its new state), the index must still refer to
+// each of them, and `Pack` (after Index, when the kill hit a pack) must keep them all.
+//
+// Exit status 0 when every kill passed, 1 on the first failure, 77 when strace or script is
+// missing.
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <random>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "common/recordext.h"
+#include "dbase/maintain.h"
+#include "dbase/recfiles.h"
+
+namespace fs = std::filesystem;
+using Bytes = std::string;
+
+namespace {
+
+const ks::RecordFileDef& kFA = ks::FileDef(ks::RecordFileId::kFAreas);
+const std::size_t kSize = kFA.RecordSize();
+const std::string kMoved = "ZZZ-MOVED";  // the new tag of the edited fileecho
+std::string g_ksetup, g_work, g_tmux;
+
+Bytes ReadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+std::string Tag(const Bytes& rec) {
+  const auto& k = kFA.keys[0];
+  return rec.substr(k.rec_offset + 1, static_cast<unsigned char>(rec[k.rec_offset]));
+}
+
+bool Live(const Bytes& rec) {
+  std::vector<std::uint8_t> key(kFA.keys.length());
+  kFA.keys.MakeKey(reinterpret_cast<const std::uint8_t*>(rec.data()), key.data());
+  return !kFA.keys.KeyEmpty(key.data());
+}
+
+int Run(const std::string& cmd) {
+  const int r = std::system(cmd.c_str());
+  return WIFEXITED(r) ? WEXITSTATUS(r) : -1;
+}
+
+std::string Quote(const std::string& s) {
+  return "'" + s + "'";
+}
+
+// A program directory: the demo's files, FAREAS with `n` fileechos made from the demo's first
+// one, every tenth deleted (its keys zeroed). Returns the live fileechos by tag.
+std::map<std::string, Bytes> MakeBase(const std::string& mkdemo, const std::string& dir, int n) {
+  Run(Quote(mkdemo) + " " + Quote(dir) + " >/dev/null");
+  const Bytes model = ReadFile(dir + "FAREAS.KSX").substr(0, kSize);
+  std::map<std::string, Bytes> live;
+  Bytes data;
+  for (int i = 0; i < n; ++i) {
+    Bytes rec = model;
+    char tag[16];
+    std::snprintf(tag, sizeof tag, "AREA%06d", (i * 7919) % n);
+    const auto& k = kFA.keys[0];
+    rec[k.rec_offset] = static_cast<char>(std::string(tag).size());
+    rec.replace(k.rec_offset + 1, std::string(tag).size(), tag);
+    if (i % 10 == 9)
+      for (int j = 0; j < kFA.keys.count(); ++j)
+        rec.replace(kFA.keys[j].rec_offset, kFA.keys[j].length, kFA.keys[j].length, '\0');
+    else
+      live[tag] = rec;
+    data += rec;
+  }
+  std::ofstream(dir + "FAREAS.KSX", std::ios::binary) << data;
+  ks::BuildIndex(dir, "FAREAS", kSize, kFA.keys);
+  return live;
+}
+
+// What a list edit does to the fileecho it works on.
+enum class Op { kIndex, kPack, kMove, kDelete };
+
+// The keys of a list edit, each step waiting for a text on the screen first.
+struct Step {
+  const char* wait;
+  const char* keys;
+};
+std::vector<Step> EditSteps(Op op) {
+  std::vector<Step> s = {{"Miscellaneous system parameters", "Down Down Down Enter"},
+                         {"Fileecho maintenance", "Enter"},
+                         {"F2-global F3-advanced", ""}};
+  if (op == Op::kMove) {
+    s.back().keys = "Enter";
+    s.push_back({"Editing entry", "C-y ZZZ-MOVED Escape"});
+    s.push_back({"Save changes?", "Enter"});
+    s.push_back({"used in at least one other fileecho", "Enter"});
+  } else {
+    s.back().keys = "Delete";
+    s.push_back({"Delete this entry?", "Right Enter"});
+    s.push_back({"Delete hatch and magic filename entries", "Enter"});
+    s.push_back({"hatch and magicfile name entries", "Enter"});
+  }
+  s.push_back({"F2-global F3-advanced", "F10"});
+  s.push_back({"Fileecho maintenance", "F9"});
+  s.push_back({"Fileecho configuration", "F9"});
+  return s;
+}
+
+std::string Tmux(const std::string& args) {
+  std::string out;
+  if (FILE* p = ::popen((g_tmux + " " + args + " 2>/dev/null").c_str(), "r")) {
+    char buf[4096];
+    for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, p)) > 0;) out.append(buf, n);
+    ::pclose(p);
+  }
+  return out;
+}
+
+// Runs ksetup on `dir` (under strace with `strace_args`) to its end or its kill. True when it
+// ended by itself.
+bool RunKsetup(Op op, const std::string& dir, const std::string& strace_args) {
+  // The paths come from mkdtemp and the command line: no quotes are needed inside the command.
+  const std::string env = "env KESTRA=" + dir + " TERM=xterm LC_ALL=C.UTF-8 ";
+  const std::string traced = "strace -f -o /dev/null " + strace_args + " " + env + g_ksetup;
+  if (op == Op::kIndex || op == Op::kPack)
+    return Run("script -qec " +
+               Quote("stty rows 25 cols 80; exec timeout -s KILL 60 " + traced +
+                     (op == Op::kIndex ? " Index" : " Pack")) +
+               " /dev/null </dev/null >/dev/null 2>&1") == 0;
+  const std::string status = dir + "status";
+  fs::remove(status);
+  Tmux("new-session -d -s edit -x 80 -y 25 " + Quote(traced + "; echo $? > " + status));
+  for (const Step& step : EditSteps(op)) {
+    bool seen = false;
+    for (int t = 0; t < 400 && !seen && !fs::exists(status); ++t) {
+      seen = Tmux("capture-pane -p -t edit").find(step.wait) != std::string::npos;
+      if (!seen) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    if (!seen) {
+      if (std::getenv("KILL_TEST_VERBOSE"))
+        std::fprintf(stderr, "no \"%s\" on the screen:\n%s\n", step.wait,
+                     Tmux("capture-pane -p -t edit").c_str());
+      break;
+    }
+    if (*step.keys) Tmux("send-keys -t edit " + std::string(step.keys));
+  }
+  for (int t = 0; t < 1000 && !fs::exists(status); ++t)
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  Tmux("kill-session -t edit");
+  return ReadFile(status) == "0\n";
+}
+
+// The calls an uninterrupted run makes, as "name:ordinal" strings for strace's inject.
+std::vector<std::string> KillPoints(Op op, const std::string& base) {
+  const std::string dir = g_work + "record/";
+  fs::remove_all(dir);
+  fs::copy(base, dir);
+  const std::string trace = g_work + "trace";
+  RunKsetup(op, dir, "-o " + trace + " -e trace=pwrite64,ftruncate,fsync,rename,unlink");
+  std::map<std::string, int> seen;
+  std::vector<std::string> points;
+  std::istringstream in(ReadFile(trace));
+  for (std::string line; std::getline(in, line);) {
+    std::istringstream words(line);
+    std::string pid, call;
+    words >> pid >> call;
+    const std::string name = call.substr(0, call.find('('));
+    if (call.find('(') != std::string::npos)
+      points.push_back(name + ":" + std::to_string(++seen[name]));
+  }
+  return points;
+}
+
+std::string g_why;
+bool Fail(const std::string& why) {
+  g_why = why;
+  return false;
+}
+
+// Every fileecho of `expected` is in the data file exactly once and whole; `edited` may be in
+// its old state, moved (tag changed) or, for a delete, gone. With `exact_index` the index
+// has one entry per live record, otherwise at least one per fileecho and at most one twice.
+bool Check(const std::string& dir, const std::map<std::string, Bytes>& expected,
+           const std::string& edited, Op op, bool exact_index) {
+  const Bytes data = ReadFile(dir + "FAREAS.KSX");
+  if (data.empty() || data.size() % kSize) return Fail("FAREAS.KSX missing or torn");
+  std::map<std::string, int> found;
+  std::map<std::string, std::size_t> recno;
+  for (std::size_t r = 0; r < data.size() / kSize; ++r) {
+    const Bytes rec = data.substr(r * kSize, kSize);
+    if (!Live(rec)) continue;
+    std::string tag = Tag(rec);
+    if (tag == kMoved && op == Op::kMove) tag = edited;
+    const auto it = expected.find(tag);
+    if (it == expected.end()) return Fail("unknown fileecho " + tag);
+    if (tag != edited && rec != it->second) return Fail("fileecho " + tag + " torn");
+    ++found[tag];
+    recno[tag] = r;
+  }
+  for (const auto& [tag, rec] : expected) {
+    const int n = found.count(tag) ? found[tag] : 0;
+    if (n > 1 || (n == 0 && !(tag == edited && op == Op::kDelete)))
+      return Fail("fileecho " + tag + " found " + std::to_string(n) + " times");
+  }
+  // An index from before a pack that was cut short does not fit the new data file; the
+  // program rebuilds such an index before it uses it, and Index does too.
+  const Bytes index = ReadFile(dir + "FAREAS.IDX");
+  const std::size_t e = kFA.keys.entry_size(), k = kFA.keys.length();
+  const auto* entries = reinterpret_cast<const std::uint8_t*>(index.data());
+  ks::MappedFile mapped;
+  if (!mapped.Map(dir + "FAREAS.KSX") ||
+      !ks::IndexFitsData(entries, index.size() / e, mapped, kSize, kFA.keys))
+    return !exact_index || Fail("index does not fit the data");
+  std::map<std::size_t, int> refs;
+  for (std::size_t i = 0; i + e <= index.size(); i += e) ++refs[ks::EntryRecNo(entries + i, k)];
+  int twice = 0;
+  for (const auto& [r, n] : refs) twice += n - 1;
+  if (twice > (exact_index ? 0 : 1)) return Fail(std::to_string(twice) + " entries twice");
+  for (const auto& [tag, r] : recno)
+    if (!refs.count(r) && (tag != edited || exact_index))
+      return Fail("fileecho " + tag + " not in the index");
+  if (exact_index && refs.size() != recno.size()) return Fail("index has entries of no fileecho");
+  return true;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 5) {
+    std::fprintf(stderr, "usage: kill_test <ksetup> <mkdemo> <fileechos> <kills> [seed]\n");
+    return 2;
+  }
+  if (Run("command -v strace >/dev/null && command -v script >/dev/null") != 0) {
+    std::puts("strace or script is missing: kill test skipped");
+    return 77;
+  }
+  const bool tmux = Run("command -v tmux >/dev/null") == 0;
+  ks::record_extensions() = {"KSX", "IDX"};
+  g_ksetup = fs::absolute(argv[1]);
+  char tmpl[] = "/tmp/ks-kill.XXXXXX";
+  g_work = std::string(::mkdtemp(tmpl)) + "/";
+  g_tmux = "tmux -L ks-kill-" + std::to_string(::getpid()) + " -f /dev/null";
+  const int kills = std::atoi(argv[4]);
+  std::mt19937 random(argc > 5 ? static_cast<unsigned>(std::atoi(argv[5])) : 1u);
+  const std::string base = g_work + "base/";
+  fs::create_directories(base);
+  const auto live = MakeBase(argv[2], base, std::atoi(argv[3]));
+  const std::string first = live.begin()->first;
+
+  std::vector<Op> ops = {Op::kIndex, Op::kPack};
+  if (tmux) ops.insert(ops.end(), {Op::kMove, Op::kDelete});
+  const char* names[] = {"Index", "Pack", "edit", "delete"};
+  int failures = 0, ended = 0;
+  for (Op op : ops) {
+    const std::vector<std::string> points = KillPoints(op, base);
+    // The batch commands take a fraction of a list edit's time in tmux: they get more kills.
+    const bool batch = op == Op::kIndex || op == Op::kPack;
+    const int runs = tmux ? kills * (batch ? 4 : 1) / 10 : kills / 2;
+    // Each call at most once: all of them when there are no more than the runs.
+    std::vector<std::string> chosen = points;
+    std::shuffle(chosen.begin(), chosen.end(), random);
+    chosen.resize(std::min<std::size_t>(chosen.size(), static_cast<std::size_t>(runs)));
+    for (const std::string& point : chosen) {
+      if (failures) break;
+      const std::string dir = g_work + "run/";
+      fs::remove_all(dir);
+      fs::copy(base, dir);
+      const std::string name = point.substr(0, point.find(':'));
+      const std::string when = point.substr(point.find(':') + 1);
+      ended += RunKsetup(op, dir, "-e inject=" + name + ":signal=KILL:when=" + when);
+      const std::string edited = op == Op::kMove || op == Op::kDelete ? first : "";
+      // What the kill left, then a pack of it (straight after a killed Index, else after an Index).
+      bool ok = Check(dir, live, edited, op, false);
+      if (ok && op != Op::kIndex) ok = RunKsetup(Op::kIndex, dir, "") || Fail("Index failed");
+      ok = ok && (RunKsetup(Op::kPack, dir, "") || Fail("Pack failed"));
+      ok = ok && Check(dir, live, edited, op, true);
+      if (!ok) {
+        std::printf("FAIL %s killed at %s: %s (files kept in %s)\n", names[int(op)], point.c_str(),
+                    g_why.c_str(), dir.c_str());
+        ++failures;
+      }
+    }
+    std::printf("%s: %zu kills over %zu calls\n", names[int(op)], chosen.size(), points.size());
+  }
+  std::printf("%d of the runs ended before their kill point\n", ended);
+  if (!failures) fs::remove_all(g_work);
+  return failures ? 1 : 0;
+}

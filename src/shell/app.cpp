@@ -58,9 +58,9 @@ class ScreenSession {
     screen_->GotoXY(1, keep_rows + 1);
     screen_->Flush();
     term_->Close(keep_rows);
-    term_.reset();
     scope_.reset();
-    screen_.reset();
+    screen_.reset();  // before the terminal, which it follows until then
+    term_.reset();
   }
 
  private:

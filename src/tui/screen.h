@@ -31,11 +31,6 @@ class Screen {
   // while a Backdrop object lives are backdrop writes; the screen keeps a copy of them and
   // knows of each cell which layer it shows. `paint` draws the whole backdrop for the current
   // size.
-  enum class Layer : std::uint8_t {
-    kBackdrop,
-    kShade,   // the backdrop's character in a colour of its own: a window's shadow
-    kWindow,  // anything else written
-  };
   void SetBackdropPainter(std::function<void()> paint) { paint_backdrop_ = std::move(paint); }
   class Backdrop {
    public:
@@ -47,6 +42,13 @@ class Screen {
    private:
     Screen& s_;
     bool was_;
+  };
+
+  // What a cell shows.
+  enum class Layer : std::uint8_t {
+    kBackdrop,
+    kShade,   // the backdrop's character in a colour of its own: a window's shadow
+    kWindow,  // anything else written
   };
 
   // Takes a new size: the backdrop is painted afresh, every window cell stays where it was (or

@@ -5,6 +5,7 @@
 #include <cctype>
 #include <climits>
 #include <cstdlib>
+#include <filesystem>
 
 #include "common/fileutil.h"
 
@@ -31,6 +32,16 @@ bool FindSetupIn(const std::string& dir, ProgramDir& out) {
   return false;
 }
 
+// `dir` as an absolute path with a trailing "/": a relative one is taken from the current
+// directory, and "." and ".." steps are resolved without following links.
+std::string Absolute(const std::string& dir) {
+  std::error_code ec;
+  std::filesystem::path p = std::filesystem::absolute(dir.empty() ? "." : dir, ec);
+  if (ec) return AddSlash(dir);
+  std::string s = p.lexically_normal().string();
+  return AddSlash(s);
+}
+
 bool IsHexDigit(char c) {
   return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F');
 }
@@ -47,21 +58,22 @@ std::string SelfExecutable() {
 ProgramDir FindProgramDir(const std::string& argv0, const std::string& self_exe,
                           const GetEnvFn& getenv) {
   ProgramDir pd;
-  const std::string invoked = AddSlash(InvokedDir(argv0));
+  const std::string invoked = Absolute(InvokedDir(argv0));
   if (FindSetupIn(invoked, pd)) return pd;
+  std::string real_dir;
   if (!self_exe.empty()) {
     if (char* real = ::realpath(self_exe.c_str(), nullptr)) {
-      const std::string dir = DirOf(real);
+      real_dir = Absolute(DirOf(real));
       std::free(real);
-      if (FindSetupIn(dir, pd)) return pd;
+      if (FindSetupIn(real_dir, pd)) return pd;
     }
   }
   if (const char* env = getenv("KESTRA"); env && *env) {
-    const std::string dir = AddSlash(env);
+    const std::string dir = Absolute(env);
     if (!FindSetupIn(dir, pd)) pd = {dir, kSetupNames[0]};
     return pd;
   }
-  return {invoked, kSetupNames[0]};
+  return {real_dir.empty() ? invoked : real_dir, kSetupNames[0]};
 }
 
 int RemoveTempFiles(const std::string& dir) {

@@ -16,7 +16,9 @@ using GetEnvFn = std::function<const char*(const char*)>;
 // Looks for "setup.ksx" (then "SETUP.KSX") in the directory of the program as invoked
 // (`argv0`, searched along PATH when it has no "/"), then in the directory of the program
 // file itself (`self_exe`, links resolved); if none has it and KESTRA is set, KESTRA names
-// the directory. Otherwise the directory as invoked is taken.
+// the directory. Otherwise the program file's own directory is taken (the directory as
+// invoked when that is unknown). The path is always absolute: a relative one is taken from
+// the current directory.
 ProgramDir FindProgramDir(const std::string& argv0, const std::string& self_exe,
                           const GetEnvFn& getenv);
 

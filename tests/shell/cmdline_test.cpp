@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "shell/progdir.h"
 #include "tempdir.h"
 
@@ -58,6 +60,33 @@ TEST(ProgramDir, BesideTheProgramOtherCaseThenKestraVariable) {
   pd = FindProgramDir(argv0, "", env);
   EXPECT_EQ(pd.path, bin.path());
   EXPECT_EQ(pd.setup_name, "setup.ksx");
+}
+
+// Started as "./ksetup", with a relative KESTRA or from a link, the program directory is
+// absolute: the create question, the FATAL lines and every file name show the whole path.
+TEST(ProgramDir, AlwaysAbsolute) {
+  test::TempDir cwd, real;
+  real.Write("ksetup", "");
+  const auto here = std::filesystem::current_path();
+  std::filesystem::current_path(cwd.path());
+  std::filesystem::create_directory("data");
+  std::filesystem::create_symlink(real / "ksetup", "link");
+  const char* kestra = nullptr;
+  auto env = [&](const char*) { return kestra; };
+  const struct {
+    const char *argv0, *self_exe, *kestra;
+    std::string dir;
+  } cases[] = {
+      {"./ksetup", "", nullptr, cwd.path()},
+      {"./ksetup", "", "data", cwd / "data/"},
+      {"./ksetup", "", "./data/../data", cwd / "data/"},
+      {"./link", "link", nullptr, real.path()},
+  };
+  for (const auto& c : cases) {
+    kestra = c.kestra;
+    EXPECT_EQ(FindProgramDir(c.argv0, c.self_exe, env).path, c.dir) << c.argv0 << " " << c.kestra;
+  }
+  std::filesystem::current_path(here);
 }
 
 TEST(TempFiles, OnlyTwelveCharacterHexNamesAreRemoved) {

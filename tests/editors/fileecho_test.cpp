@@ -4,64 +4,38 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
-#include <vector>
+#include <tuple>
 
-#include "common/recordext.h"
-#include "dbase/database.h"
 #include "dbase/fileecho_rec.h"
-#include "dbase/recfiles.h"
 #include "dbase/recordfile.h"
+#include "editors/editor_fixture.h"
 #include "editors/fileecho_parts.h"
-#include "editors/lists.h"
-#include "tempdir.h"
 #include "tui/colours.h"
-#include "tui/picklist.h"
-#include "tui/ui.h"
-#include "vt_fixture.h"
 
 namespace ks {
 namespace {
 
+using test::Downs;
+using test::kAdd;
+using test::kSave;
+
 constexpr int kSystems = 3;
-constexpr const char* kAdd = "<Enter>";        // "Would you like to add one?"
-constexpr const char* kSave = "<Esc><Enter>";  // leave the page, "Save changes?" Yes
+const std::size_t kSize = FileechoRecordSize(kSystems);
 
-std::string Downs(int n) {
-  std::string s;
-  for (int i = 0; i < n; ++i) s += "<Down>";
-  return s;
-}
-
-class FileechoTest : public test::VtTest {
+class FileechoTest : public test::EditorTest {
  protected:
   FileechoTest() {
-    record_extensions() = {"KSX", "IDX"};
-    ctx_.data_dir = ctx_.work_dir = dir_.path();
-    ctx_.addresses = {{2, 280, 5555, 0}};
     ctx_.systems_per_area = kSystems;
     ctx_.archivers = {"ARC", "ARJ", "LZH", "PAK", "ZIP", "SQZ", "7", "8", "9", "10"};
     std::filesystem::create_directories(dir_ / "old");
     std::filesystem::create_directories(dir_ / "new");
-    group_source() = [] { return std::vector<GroupName>{{1, "Net"}, {2, "Utils"}}; };
     const std::string base = dir_.path();
     file_area_source() = [base] {
       return std::vector<FileAreaName>{{1, base + "old", "Old"}, {2, base + "new/", "New"}};
     };
   }
-  ~FileechoTest() override {
-    group_source() = nullptr;
-    file_area_source() = nullptr;
-    record_extensions() = {};
-  }
-
-  // Adds fileechos to FAREAS before the manager opens it.
   void Seed(const std::vector<FileMGRrec>& recs) {
-    ksDataBase db("FAREAS", FileechoRecordSize(kSystems), FileDef(RecordFileId::kFAreas).keys);
-    ASSERT_EQ(db.Open(dir_.path()), ksDataBase::OpenResult::kOk);
-    for (const auto& r : recs) ASSERT_TRUE(db.Insert(reinterpret_cast<const std::uint8_t*>(&r)));
+    dir_.Insert(RecordFileId::kFAreas, recs, kSize);
   }
   static FileMGRrec Echo(const char* tag, const std::string& dest, std::uint8_t group = 1,
                          std::uint16_t options = kFeVisible) {
@@ -72,21 +46,11 @@ class FileechoTest : public test::VtTest {
     r.options = options;
     return r;
   }
-  // Record `n` of FAREAS.KSX in index order of insertion (record number).
-  FileMGRrec Rec(int n) {
-    std::ifstream in(dir_ / "FAREAS.KSX", std::ios::binary);
-    const std::string data{std::istreambuf_iterator<char>(in), {}};
-    const std::size_t size = FileechoRecordSize(kSystems);
-    FileMGRrec r{};
-    EXPECT_GE(data.size(), (n + 1) * size);
-    if (data.size() >= (n + 1) * size)
-      std::memcpy(static_cast<void*>(&r), data.data() + n * size, size);
-    return r;
-  }
-  int Records() {
-    return static_cast<int>(std::filesystem::file_size(dir_ / "FAREAS.KSX") /
-                            FileechoRecordSize(kSystems));
-  }
+  FileMGRrec Rec(int n) { return dir_.Record<FileMGRrec>("FAREAS.KSX", n, kSize); }
+  std::size_t Records() { return dir_.Read("FAREAS.KSX").size() / kSize; }
+  // Runs the manager on a script that leaves it, or until the script runs out.
+  void Leave(const std::string& keys) { EditorTest::Run(RunFileechoManager, keys); }
+  void Stop(const std::string& keys) { EditorTest::Stop(RunFileechoManager, keys); }
   // Runs the manager until the key script is used up or the manager is left.
   void Run(const std::string& keys) {
     vt_.Keys(keys);
@@ -95,22 +59,15 @@ class FileechoTest : public test::VtTest {
     } catch (const KeysExhausted&) {
     }
   }
-  bool Shown(const std::string& text) const { return vt_.Contains(text); }
-  bool StatusHas(const std::string& text) const {
-    return vt_.Row(25).find(text) != std::string::npos;
-  }
   // What the advanced page shows for the switch on page row `row` (screen rows 4..22).
   std::string AdvancedValue(int row) const { return vt_.Row(2 + row).substr(44, 3); }
-
-  test::TempDir dir_;
-  ListContext ctx_;
 };
 
 TEST_F(FileechoTest, NewFileechoLandsInTheRecordWithItsDefaults) {
-  Run(std::string(kAdd) + "utils<Enter>Utilities<Enter>" + dir_ / "new" +
-      "<Enter>2<Enter>-1<Enter><Down>FILES.APL<Enter><Space><Space><Down>" + Downs(4) +
-      "1825<Enter>100<Enter>500<Enter>" + kSave + "<Esc>");
-  ASSERT_EQ(Records(), 1);
+  Leave(std::string(kAdd) + "utils<Enter>Utilities<Enter>" + dir_ / "new" +
+        "<Enter>2<Enter>-1<Enter><Down>FILES.APL<Enter><Space><Space><Down>" + Downs(4) +
+        "1825<Enter>100<Enter>500<Enter>" + kSave + "<Esc>");
+  ASSERT_EQ(Records(), 1u);
   const FileMGRrec r = Rec(0);
   EXPECT_EQ(r.tag.str(), "UTILS");
   EXPECT_EQ(r.description.str(), "Utilities");
@@ -127,14 +84,20 @@ TEST_F(FileechoTest, NewFileechoLandsInTheRecordWithItsDefaults) {
 }
 
 TEST_F(FileechoTest, FileDatabaseRowOnlyForABbsWithItsOwnDatabase) {
-  Seed({Echo("ONE", dir_ / "old/")});
-  Run("");
+  FileMGRrec autoadded = Echo("AUTO", dir_ / "old/");
+  autoadded.options2 = kFe2AutoAdded;
+  Seed({autoadded, Echo("PLAIN", dir_ / "new/")});
+  Stop("");
   EXPECT_FALSE(Shown("Use FDB"));
   EXPECT_EQ(vt_.Row(10).substr(5, 6), "Keep #");  // window row 6
   EXPECT_EQ(vt_.Row(15).substr(5, 7), "Systems");
   EXPECT_NE(vt_.Row(21).find("F2-global F3-advanced"), std::string::npos);
+  // An auto-added fileecho says so, highlighted.
+  EXPECT_EQ(vt_.AttrOf("auto-added"), ui().colours[kWindowSelect]);
+  Stop("<Right>");
+  EXPECT_FALSE(Shown("auto-added"));
   ctx_.bbs_file_database = true;
-  Run("");
+  Stop("");
   EXPECT_EQ(vt_.Row(10).substr(5, 7), "Use FDB");
   EXPECT_EQ(vt_.Row(10).substr(34, 8), "Use FBBS");
   EXPECT_EQ(vt_.Row(11).substr(5, 6), "Keep #");
@@ -143,21 +106,20 @@ TEST_F(FileechoTest, FileDatabaseRowOnlyForABbsWithItsOwnDatabase) {
 
 TEST_F(FileechoTest, SavingChecksTagThenDestinationAndReturnsToTheField) {
   // No tag: the message, then the cursor on the tag.
-  Run(std::string(kAdd) + "<Down>Desc" + kSave);
+  Stop(std::string(kAdd) + "<Down>Desc" + kSave);
   EXPECT_TRUE(Shown("You must specify a fileecho name"));
-  Run(std::string(kAdd) + "<Down>Desc" + kSave + "<Enter>");
+  Stop(std::string(kAdd) + "<Down>Desc" + kSave + "<Enter>");
   EXPECT_TRUE(StatusHas("Fileecho tag"));
   // A tag but no destination: the cursor on "Dest".
-  Run(std::string(kAdd) + "ONE" + kSave);
+  Stop(std::string(kAdd) + "ONE" + kSave);
   EXPECT_TRUE(Shown("You must specify a valid destination directory"));
-  Run(std::string(kAdd) + "ONE" + kSave + "<Enter>");
-  EXPECT_TRUE(StatusHas("Destination directory"));
-  EXPECT_TRUE(StatusHas("F6-list of BBS file areas"));
-  EXPECT_EQ(Records(), 0);
+  Stop(std::string(kAdd) + "ONE" + kSave + "<Enter>");
+  EXPECT_TRUE(StatusHas("Destination directory") && StatusHas("F6-list of BBS file areas"));
+  EXPECT_EQ(Records(), 0u);
   // A pass-through fileecho needs none.
-  Run(std::string(kAdd) + "PASS" + Downs(10) + "<Enter>" + Downs(4) + "<Space><Esc>" + kSave +
-      "<Esc>");
-  ASSERT_EQ(Records(), 1);
+  Leave(std::string(kAdd) + "PASS" + Downs(10) + "<Enter>" + Downs(4) + "<Space><Esc>" + kSave +
+        "<Esc>");
+  ASSERT_EQ(Records(), 1u);
   EXPECT_TRUE(Rec(0).Has(kFePassThrough));
   EXPECT_TRUE(Rec(0).destination.empty());
 }
@@ -170,20 +132,18 @@ TEST_F(FileechoTest, WarningsDoNotStopTheSave) {
   // warning after the other, then the save.
   const std::string keys =
       "<Ins>TWO<Down><Down>" + dir_ / "elsewhere" + "<Enter><Down><Space>" + kSave;
-  Run(keys);
-  EXPECT_TRUE(Shown("Could not find destination directory"));
-  EXPECT_TRUE(Shown("in filearea database"));
-  Run(keys + "<Enter>");
-  EXPECT_TRUE(Shown("This destination directory is also"));
-  EXPECT_TRUE(Shown("used in at least one other fileecho"));
-  Run(keys + "<Enter><Enter><Esc>");
-  ASSERT_EQ(Records(), 2);
+  Stop(keys);
+  EXPECT_TRUE(Shown("Could not find destination directory") && Shown("in filearea database"));
+  Stop(keys + "<Enter>");
+  EXPECT_TRUE(Shown("This destination directory is also") &&
+              Shown("used in at least one other fileecho"));
+  Leave(keys + "<Enter><Enter><Esc>");
+  ASSERT_EQ(Records(), 2u);
   EXPECT_TRUE(Rec(1).Has(kFeUseFdb));
   // F6 on "Dest" takes the path of a file area, which the database then knows.
-  Run("<Ins>THREE<Down><Down><F6><Down><Enter><Down><Down><Space>" + std::string(kSave));
-  EXPECT_FALSE(Shown("Could not find destination directory"));
-  Run("<Esc>");
-  ASSERT_EQ(Records(), 3);
+  Leave("<Ins>THREE<Down><Down><F6><Down><Enter><Down><Down><Space>" + std::string(kSave) +
+        "<Esc>");
+  ASSERT_EQ(Records(), 3u);
   EXPECT_EQ(Rec(2).destination.str(), dir_ / "new/");
 }
 
@@ -194,13 +154,11 @@ TEST_F(FileechoTest, ChangedDestinationMovesTheListedFiles) {
              "B.ZIP  Second file\r\n\r\nmissing.zip  Not there\r\n-- separator\r\n");
   for (const char* name : {"a.zip", "b.zip", "c.zip"}) dir_.Write(std::string("old/") + name, "x");
   // Editing without touching the destination asks nothing.
-  Run("<Enter><Down>Other" + std::string(kSave) + "<Esc>");
-  EXPECT_FALSE(Shown("Would you like to move the files to"));
+  Leave("<Enter><Down>Other" + std::string(kSave) + "<Esc>");
   const std::string keys = "<Enter><Down><Down>" + dir_ / "new" + kSave;
-  Run(keys);
-  EXPECT_TRUE(Shown("Would you like to move the files to"));
-  EXPECT_TRUE(Shown("the new location?"));
-  Run(keys + "<Enter>");
+  Stop(keys);
+  EXPECT_TRUE(Shown("Would you like to move the files to") && Shown("the new location?"));
+  Stop(keys + "<Enter>");
   EXPECT_TRUE(Shown("Moved 2 file(s)."));
   EXPECT_TRUE(Shown("Only files in listed in the File database have been moved."));
   EXPECT_TRUE(Shown("The other files and the old File database have not been deleted."));
@@ -209,106 +167,76 @@ TEST_F(FileechoTest, ChangedDestinationMovesTheListedFiles) {
   EXPECT_FALSE(dir_.Has("old/a.zip"));
   // Again, answering No: the record is saved and the files stay where they are.
   dir_.Write("old/a.zip", "y");
-  Run(keys + "<Tab><Enter><Esc>");
+  Leave(keys + "<Tab><Enter><Esc>");
   EXPECT_TRUE(dir_.Has("old/a.zip"));
   EXPECT_EQ(Rec(0).destination.str(), dir_ / "new/");
-}
-
-TEST(FileechoFiles, FilesBbsNamesSkipsContinuationsAndComments) {
+  // Continuation lines, comments and separators of the listing name no file.
   EXPECT_EQ(fileecho::FilesBbsNames("A.ZIP desc\n +more\n\tmore\n;c\n-c\n\nB.ARJ\r\nC.LZH\t1\n"),
             (std::vector<std::string>{"A.ZIP", "B.ARJ", "C.LZH"}));
 }
 
 TEST_F(FileechoTest, AdvancedPageNotApplicableSwitchesAndAddFileIdBits) {
-  FileMGRrec pass = Echo("PASS", "", 1, kFePassThrough);
   FileMGRrec diz = Echo("DIZ", dir_ / "old/");
   diz.longDesc = ldFileIdNormal;
-  Seed({pass, diz});
-  // DIZ comes first; F3 opens its advanced page: Add FILE_ID "Yes", then "Always".
-  Run("<F3>" + Downs(7) + "<Space><Esc>");
-  FileMGRrec r = Rec(1);
-  EXPECT_EQ(r.options & kFeAddFileId, kFeAddFileId);
-  EXPECT_EQ(r.options2 & kFe2AddFileIdAlways, 0);
-  Run("<F3>" + Downs(7) + "<Space><Esc>");
-  r = Rec(1);
-  EXPECT_EQ(r.options & kFeAddFileId, kFeAddFileId);
-  EXPECT_EQ(r.options2 & kFe2AddFileIdAlways, kFe2AddFileIdAlways);
-  Run("<F3>" + Downs(7) + "<Space><Esc>");
-  r = Rec(1);
-  EXPECT_EQ((r.options & kFeAddFileId) | (r.options2 & kFe2AddFileIdAlways), 0) << "back to No";
+  Seed({Echo("PASS", "", 1, kFePassThrough), diz});
+  // DIZ comes first; F3 opens its advanced page: Add FILE_ID "Yes", then "Always", then "No".
+  const std::pair<int, int> steps[] = {
+      {kFeAddFileId, 0}, {kFeAddFileId, kFe2AddFileIdAlways}, {0, 0}};
+  for (auto [option, option2] : steps) {
+    Leave("<F3>" + Downs(7) + "<Space><Esc><Esc>");
+    EXPECT_EQ(Rec(1).options & kFeAddFileId, option);
+    EXPECT_EQ(Rec(1).options2 & kFe2AddFileIdAlways, option2);
+  }
   // The pass-through fileecho: its local switches and Add FILE_ID (LongDesc Normal) are n/a.
-  Run("<Right><F3>");
+  Stop("<Right><F3>");
   EXPECT_EQ(AdvancedValue(6), "Yes") << "Pass through";
-  for (int row : {7, 14, 16, 17, 18}) EXPECT_EQ(AdvancedValue(row), "n/a") << row;
-  EXPECT_EQ(AdvancedValue(9), "n/a") << "Add FILE_ID";
+  for (int row : {7, 9, 14, 16, 17, 18}) EXPECT_EQ(AdvancedValue(row), "n/a") << row;
   EXPECT_EQ(AdvancedValue(10), "No ") << "Virus scan";
   // Skipping them: six times Down from Convert lands on Virus scan.
-  Run("<Right><F3>" + Downs(6) + "<Space><Esc>");
+  Leave("<Right><F3>" + Downs(6) + "<Space><Esc><Esc>");
   EXPECT_EQ(Rec(0).options & kFeVirusScan, kFeVirusScan);
   // With a BBS file database "No Touch" never applies.
   ctx_.bbs_file_database = true;
-  Run("<F3>");
+  Stop("<F3>");
   EXPECT_EQ(AdvancedValue(14), "n/a");
   EXPECT_EQ(AdvancedValue(7), "No ") << "Allow replace";
 }
 
-TEST_F(FileechoTest, AutoAddedMarker) {
-  FileMGRrec r = Echo("AUTO", dir_ / "old/");
-  r.options2 = kFe2AutoAdded;
-  Seed({r, Echo("PLAIN", dir_ / "new/")});
-  Run("");
-  EXPECT_TRUE(Shown("auto-added"));
-  EXPECT_EQ(vt_.AttrOf("auto-added"), ui().colours[kWindowSelect]);
-  Run("<Right>");
-  EXPECT_FALSE(Shown("auto-added"));
-}
-
 TEST_F(FileechoTest, DeleteRemovesHatchAndMagicEntriesOnlyOnYes) {
   Seed({Echo("ONE", dir_ / "old/"), Echo("TWO", dir_ / "new/")});
-  {
-    MagicFileMgrRec m{};
-    {
-      ksDataBase h("HATCH", sizeof(HatchMGRrec), FileDef(RecordFileId::kHatch).keys);
-      ksDataBase g("MGICFILE", sizeof(MagicFileMgrRec), FileDef(RecordFileId::kMagic).keys);
-      ASSERT_EQ(h.Open(dir_.path()), ksDataBase::OpenResult::kOk);
-      ASSERT_EQ(g.Open(dir_.path()), ksDataBase::OpenResult::kOk);
-      for (const char* area : {"ONE", "TWO", "one"}) {
-        HatchMGRrec e{};
-        e.area = area;
-        e.fileSpec = "x";
-        ASSERT_TRUE(h.Insert(reinterpret_cast<const std::uint8_t*>(&e)));
-      }
-      for (auto [from, to] : {std::pair{"ONE", "X"}, {"X", "ONE"}, {"TWO", "X"}}) {
-        m.mask = std::string("M") + from + to;
-        m.fromArea = from;
-        m.toArea = to;
-        ASSERT_TRUE(g.Insert(reinterpret_cast<const std::uint8_t*>(&m)));
-      }
-    }
+  std::vector<HatchMGRrec> hatches(3);
+  std::vector<MagicFileMgrRec> magics(3);
+  const char* areas[] = {"ONE", "TWO", "one"};
+  const char* links[][2] = {{"ONE", "X"}, {"X", "ONE"}, {"TWO", "X"}};
+  for (int i = 0; i < 3; ++i) {
+    hatches[i].area = areas[i];
+    hatches[i].fileSpec = "x";
+    magics[i].mask = std::string("M") + links[i][0] + links[i][1];
+    magics[i].fromArea = links[i][0];
+    magics[i].toArea = links[i][1];
   }
-  Run("<Del><Tab><Enter>");
-  EXPECT_TRUE(Shown("Delete hatch and magic filename entries"));
-  EXPECT_TRUE(Shown("for this fileecho?"));
+  dir_.Insert(RecordFileId::kHatch, hatches);
+  dir_.Insert(RecordFileId::kMagic, magics);
+  // The hatch entries, the magic entries and the hatch entries of TWO.
+  auto counts = [&] {
+    THatchFile hatch;
+    TMagicFile magic;
+    EXPECT_TRUE(hatch.Open(dir_.path()) && magic.Open(dir_.path()));
+    HatchMGRrec h;
+    int two = 0;
+    for (int i = 0; i < hatch.Count(); ++i) two += hatch.ReadRecord(i, h) && h.area.str() == "TWO";
+    return std::tuple(hatch.Count() + 0, magic.Count() + 0, two);
+  };
+  Stop("<Del><Tab><Enter>");
+  EXPECT_TRUE(Shown("Delete hatch and magic filename entries") && Shown("for this fileecho?"));
   // "Delete this entry?" Yes, then No to the hatch and magic question.
-  Run("<Del><Tab><Enter><Tab><Enter>");
-  THatchFile hatch;
-  TMagicFile magic;
-  ASSERT_TRUE(hatch.Open(dir_.path()) && magic.Open(dir_.path()));
-  EXPECT_EQ(hatch.Count() + 0, 3);
-  EXPECT_EQ(magic.Count() + 0, 3);
-  hatch.Close();
-  magic.Close();
+  Stop("<Del><Tab><Enter><Tab><Enter>");
+  EXPECT_EQ(counts(), std::tuple(3, 3, 1));
   // TWO is left; deleting it with Yes takes its entries along.
-  Run("<Del><Tab><Enter><Enter>");
+  Stop("<Del><Tab><Enter><Enter>");
   EXPECT_TRUE(Shown("Removed 2 hatch and magicfile name entries"));
-  ASSERT_TRUE(hatch.Open(dir_.path()) && magic.Open(dir_.path()));
-  EXPECT_EQ(hatch.Count() + 0, 2);
-  EXPECT_EQ(magic.Count() + 0, 2);
-  HatchMGRrec h;
-  for (int i = 0; i < hatch.Count(); ++i)
-    EXPECT_TRUE(hatch.ReadRecord(i, h) && h.area.str() != "TWO");
+  EXPECT_EQ(counts(), std::tuple(2, 2, 0));
 }
-
 TEST_F(FileechoTest, ConnectedSystemsAreAddedEditedAndRemoved) {
   Seed({Echo("ONE", dir_ / "old/")});
   const std::string to_systems = "<Enter>" + Downs(15) + "<Enter>";
@@ -317,13 +245,13 @@ TEST_F(FileechoTest, ConnectedSystemsAreAddedEditedAndRemoved) {
                             Downs(4) +               // Send off, Pause on
                             "<Space><Esc>" +         // Msg status None
                             "<Ins>1:1/1<Esc><Ins>";  // the list is full
-  Run(to_systems + "<Ins>2:280/1<Esc><Ins>2:280/1<Esc>");
+  Stop(to_systems + "<Ins>2:280/1<Esc><Ins>2:280/1<Esc>");
   EXPECT_TRUE(Shown("This system is already connected to this fileecho"));
-  Run(three);
+  Stop(three);
   EXPECT_TRUE(Shown("There is no room for more systems in this fileecho"));
-  EXPECT_EQ(Records(), 1);
+  EXPECT_EQ(Records(), 1u);
   EXPECT_FALSE(Rec(0).systems[0].address.IsSet()) << "nothing saved yet";
-  Run(three + "<Enter><Home><Del><Tab><Enter><Esc>" + kSave + "<Esc>");
+  Leave(three + "<Enter><Home><Del><Tab><Enter><Esc>" + kSave + "<Esc>");
   const FileMGRrec r = Rec(0);
   EXPECT_EQ(r.systems[0].address, (NetAddr{2, 280, 2, 0}));
   EXPECT_EQ(r.systems[0].flags + 0, kSysPause | (msNone << kSysStatusShift));
@@ -349,24 +277,24 @@ class FileechoGlobalTest : public FileechoTest {
 };
 
 TEST_F(FileechoGlobalTest, SwitchCountsOnlyChangedRecords) {
-  Run("<F2><F3>");
+  Stop("<F2><F3>");
   EXPECT_TRUE(Shown("Groups to include in search"));
-  Run(MarkGroupOne() + Downs(10) + "<Enter>");  // Visible
+  Stop(MarkGroupOne() + Downs(10) + "<Enter>");  // Visible
   EXPECT_TRUE(Shown("Toggle option to"));
-  Run(MarkGroupOne() + Downs(10) + "<Enter><Enter>");  // Yes
+  Stop(MarkGroupOne() + Downs(10) + "<Enter><Enter>");  // Yes
   EXPECT_TRUE(Shown("Changed the Visible fields for 1 records"));
   EXPECT_EQ(Rec(2).options & kFeVisible, kFeVisible);
   EXPECT_EQ(Rec(1).options + 0, 0) << "B not marked";
   // Tiny SB is reported by its log name; No clears it.
-  Run(MarkGroupOne() + Downs(11) + "<Enter><Tab><Enter>");
+  Stop(MarkGroupOne() + Downs(11) + "<Enter><Tab><Enter>");
   EXPECT_TRUE(Shown("Changed the TinySB fields for 0 records"));
   // Add FILE_ID "Always" sets both bits.
-  Run(MarkGroupOne() + Downs(7) + "<Enter><Tab><Tab><Enter>");
+  Stop(MarkGroupOne() + Downs(7) + "<Enter><Tab><Tab><Enter>");
   EXPECT_TRUE(Shown("Changed the Add FILE_ID fields for 2 records"));
   EXPECT_EQ(Rec(0).options2 & kFe2AddFileIdAlways, kFe2AddFileIdAlways);
   EXPECT_EQ(Rec(2).options & kFeAddFileId, kFeAddFileId);
   // Convert: the archiver chosen from the list.
-  Run(MarkGroupOne() + "<Enter><Down><Down><Down><Down><Down><Enter>");
+  Stop(MarkGroupOne() + "<Enter><Down><Down><Down><Down><Down><Enter>");
   EXPECT_TRUE(Shown("Changed the Convert fields for 2 records"));
   EXPECT_EQ(Rec(0).convert + 0, 5);
   EXPECT_EQ(Rec(1).convert + 0, 0);
@@ -374,18 +302,18 @@ TEST_F(FileechoGlobalTest, SwitchCountsOnlyChangedRecords) {
 
 TEST_F(FileechoGlobalTest, SystemOperations) {
   // Add: C has no room left after it (3 slots, two used): it still fits; B is not marked.
-  Run(MarkGroupOne() + "<End><Up><Up><Up><Enter>2:280/9<Esc>");
+  Stop(MarkGroupOne() + "<End><Up><Up><Up><Enter>2:280/9<Esc>");
   EXPECT_TRUE(Shown("Added 2:280/9 to 2 records"));
   EXPECT_EQ(Rec(2).systems[2].address, (NetAddr{2, 280, 9, 0}));
   EXPECT_EQ(Rec(2).systems[2].flags + 0, fileecho::kNewSystemFlags);
-  Run(MarkGroupOne() + "<End><Up><Up><Up><Enter>2:280/10<Esc>");
+  Stop(MarkGroupOne() + "<End><Up><Up><Up><Enter>2:280/10<Esc>");
   EXPECT_TRUE(Shown("Added 2:280/10 to 1 records")) << "C is full";
   // Replace 2:280/7 (only C has it).
-  Run(MarkGroupOne() + "<End><Up><Enter>2:280/7<Esc>3:3/3<Esc>");
+  Stop(MarkGroupOne() + "<End><Up><Enter>2:280/7<Esc>3:3/3<Esc>");
   EXPECT_TRUE(Shown("Replaced 2:280/7 with 3:3/3 in 1 records"));
   EXPECT_EQ(Rec(2).systems[0].address, (NetAddr{3, 3, 3, 0}));
   // Remove 2:280/9: the slots close up.
-  Run(MarkGroupOne() + "<End><Up><Up><Enter>2:280/9<Esc>");
+  Stop(MarkGroupOne() + "<End><Up><Up><Enter>2:280/9<Esc>");
   EXPECT_TRUE(Shown("Removed 2:280/9 from 2 records"));
   EXPECT_EQ(Rec(0).systems[1].address, (NetAddr{2, 280, 10, 0}));
   EXPECT_FALSE(Rec(2).systems[2].address.IsSet());
@@ -393,15 +321,15 @@ TEST_F(FileechoGlobalTest, SystemOperations) {
 
 TEST_F(FileechoGlobalTest, ChangeStatusTouchesOnlyTheChosenBits) {
   // Pause Yes, Msg status Hold; the rest "<do not change>".
-  Run(MarkGroupOne() + "<End><Enter>2:280/1<Esc>" + "<Down><Space><Space>" + Downs(4) +
-      "<Space><Space><Space><Esc>");
+  Stop(MarkGroupOne() + "<End><Enter>2:280/1<Esc>" + "<Down><Space><Space>" + Downs(4) +
+       "<Space><Space><Space><Esc>");
   EXPECT_TRUE(Shown("Changed status for 2:280/1 in 1 records")) << "C had these already";
   EXPECT_EQ(Rec(0).systems[0].flags + 0,
             kSysSendFiles | kSysReceiveFiles | kSysPause | (msHold << kSysStatusShift));
   EXPECT_EQ(Rec(1).systems[0].flags + 0, kSysSendFiles) << "B not marked";
   EXPECT_EQ(Rec(2).systems[1].flags + 0, kSysSendFiles | kSysPause | (msHold << kSysStatusShift));
   // Send files No alone keeps the status and the other switches.
-  Run(MarkGroupOne() + "<End><Enter>2:280/1<Esc><Space><Esc>");
+  Stop(MarkGroupOne() + "<End><Enter>2:280/1<Esc><Space><Esc>");
   EXPECT_TRUE(Shown("Changed status for 2:280/1 in 2 records"));
   EXPECT_EQ(Rec(0).systems[0].flags + 0,
             kSysReceiveFiles | kSysPause | (msHold << kSysStatusShift));

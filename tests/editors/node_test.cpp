@@ -4,22 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
-#include "common/recordext.h"
-#include "dbase/database.h"
 #include "dbase/fileecho_rec.h"
 #include "dbase/list_recs.h"
-#include "dbase/recfiles.h"
-#include "editors/lists.h"
+#include "editors/editor_fixture.h"
 #include "editors/node_pages.h"
 #include "editors/node_propagation.h"
-#include "tempdir.h"
-#include "tui/picklist.h"
-#include "vt_fixture.h"
 
 namespace ks {
 namespace {
@@ -78,57 +70,31 @@ struct SetupFiles {
   }
 };
 
-class NodeTest : public test::VtTest {
+class NodeTest : public test::EditorTest {
  protected:
   NodeTest() {
-    record_extensions() = {"KSX", "IDX"};
-    ctx_.data_dir = ctx_.work_dir = dir_.path();
-    ctx_.addresses = {{2, 280, 5555, 0}};
     ctx_.systems_per_area = kSystems;
     ctx_.node_defaults = &defaults_;
-    group_source() = [] { return std::vector<GroupName>{{1, "Net"}, {2, "Utils"}}; };
-  }
-  ~NodeTest() override {
-    group_source() = nullptr;
-    record_extensions() = {};
-  }
-
-  std::string File(const std::string& name) {
-    std::ifstream in(dir_ / name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
   }
   void Write(const SetupFiles& s) {
-    const std::size_t fsize = FileDef(RecordFileId::kFAreas).RecordSize(kSystems);
-    const std::size_t msize = FileDef(RecordFileId::kMAreas).RecordSize(kSystems);
-    dir_.Write("FAREAS.KSX", Concat(s.fareas, fsize));
+    dir_.Write("FAREAS.KSX", Concat(s.fareas, FileDef(RecordFileId::kFAreas).RecordSize(kSystems)));
     dir_.Write("MGICFILE.KSX", Concat(s.magic));
     dir_.Write("REPORTS.KSX", Concat(s.reports));
     dir_.Write("GRPFILE.KSX", Concat(s.groups));
-    dir_.Write("MAREAS.KSX", Concat(s.mareas, msize));
+    dir_.Write("MAREAS.KSX", Concat(s.mareas, FileDef(RecordFileId::kMAreas).RecordSize(kSystems)));
   }
   // The five files hold exactly the records of `s`.
   void ExpectFiles(const SetupFiles& s) {
-    EXPECT_EQ(File("FAREAS.KSX"),
+    EXPECT_EQ(dir_.Read("FAREAS.KSX"),
               Concat(s.fareas, FileDef(RecordFileId::kFAreas).RecordSize(kSystems)));
-    EXPECT_EQ(File("MGICFILE.KSX"), Concat(s.magic));
-    EXPECT_EQ(File("REPORTS.KSX"), Concat(s.reports));
-    EXPECT_EQ(File("GRPFILE.KSX"), Concat(s.groups));
-    EXPECT_EQ(File("MAREAS.KSX"),
+    EXPECT_EQ(dir_.Read("MGICFILE.KSX"), Concat(s.magic));
+    EXPECT_EQ(dir_.Read("REPORTS.KSX"), Concat(s.reports));
+    EXPECT_EQ(dir_.Read("GRPFILE.KSX"), Concat(s.groups));
+    EXPECT_EQ(dir_.Read("MAREAS.KSX"),
               Concat(s.mareas, FileDef(RecordFileId::kMAreas).RecordSize(kSystems)));
   }
-  void AddNodes(const std::vector<NodeMGRrec>& nodes) {
-    ksDataBase db("NODEFILE", sizeof(NodeMGRrec), FileDef(RecordFileId::kNodes).keys);
-    ASSERT_EQ(db.Open(dir_.path()), ksDataBase::OpenResult::kOk);
-    for (const auto& n : nodes) ASSERT_TRUE(db.Insert(reinterpret_cast<const std::uint8_t*>(&n)));
-  }
-  NodeMGRrec Node(int n) {
-    const std::string data = File("NODEFILE.KSX");
-    NodeMGRrec r;
-    EXPECT_GE(data.size(), (n + 1) * sizeof r);
-    if (data.size() >= (n + 1) * sizeof r)
-      std::memcpy(static_cast<void*>(&r), data.data() + n * sizeof r, sizeof r);
-    return r;
-  }
+  void AddNodes(const std::vector<NodeMGRrec>& nodes) { dir_.Insert(RecordFileId::kNodes, nodes); }
+  NodeMGRrec Node(int n) { return dir_.Record<NodeMGRrec>("NODEFILE.KSX", n); }
   static NodeMGRrec MakeNode(NetAddr address, const char* sysop, std::uint8_t group = 1) {
     NodeMGRrec r;
     r.address = address;
@@ -136,12 +102,18 @@ class NodeTest : public test::VtTest {
     r.groups.Add(group);
     return r;
   }
-  bool Shown(const std::string& text) const { return vt_.Contains(text); }
-  std::string Status() const { return vt_.Row(25); }
+  void Run(const std::string& keys) { EditorTest::Run(RunNodeManager, keys); }
+  void Stop(const std::string& keys) { EditorTest::Stop(RunNodeManager, keys); }
+  // Where the node (or the address it got) is still named: only the deleted fileecho, which is
+  // not visited, keeps it.
+  void ExpectOnlyTheDeletedFileechoNames(NetAddr a) {
+    const std::size_t fsize = FileDef(RecordFileId::kFAreas).RecordSize(kSystems);
+    EXPECT_EQ(dir_.Read("FAREAS.KSX").find(Raw(a)), 3 * fsize + kFileechoFixedSize);
+    for (const char* f : {"MGICFILE.KSX", "REPORTS.KSX", "GRPFILE.KSX", "MAREAS.KSX"})
+      EXPECT_EQ(dir_.Read(f).find(Raw(a)), std::string::npos) << f;
+  }
 
-  test::TempDir dir_;
   NodeDefaults defaults_;
-  ListContext ctx_;
 };
 
 // --- Checks ----------------------------------------------------------------------------------
@@ -178,61 +150,55 @@ TEST(NodeChecks, InOrderEachOnItsField) {
 }
 
 TEST_F(NodeTest, RefusalsPutTheCursorOnTheField) {
-  // No address: the message, then the cursor on "System" (window row 2 + field row 2).
-  vt_.Keys("<Enter><Down>Joe<Esc><Enter>");
-  EXPECT_THROW(RunNodeManager(ctx_), KeysExhausted);
-  EXPECT_TRUE(Shown("A system address must be specified"));
-  vt_.Keys("<Enter><Down>Joe<Esc><Enter><Enter>");
-  EXPECT_THROW(RunNodeManager(ctx_), KeysExhausted);
-  EXPECT_NE(Status().find("System address"), std::string::npos) << Status();
-  EXPECT_EQ(vt_.cursor_row(), 4);
-  // No sysop.
-  vt_.Keys("<Enter>2:280/1<Esc><Enter>");
-  EXPECT_THROW(RunNodeManager(ctx_), KeysExhausted);
-  EXPECT_TRUE(Shown("A sysop name must be specified"));
-  vt_.Keys("<Enter>2:280/1<Esc><Enter><Enter>");
-  EXPECT_THROW(RunNodeManager(ctx_), KeysExhausted);
-  EXPECT_NE(Status().find("System Operator"), std::string::npos) << Status();
-  EXPECT_EQ(vt_.cursor_row(), 5);
-  EXPECT_EQ(File("NODEFILE.KSX"), "");
+  // No address: the message, then the cursor on "System" (window row 2 + field row 2); no
+  // sysop: on "System Operator".
+  const struct {
+    const char* keys;
+    const char* message;
+    const char* status;
+    int row;
+  } cases[] = {
+      {"<Enter><Down>Joe<Esc><Enter>", "A system address must be specified", "System address", 4},
+      {"<Enter>2:280/1<Esc><Enter>", "A sysop name must be specified", "System Operator", 5}};
+  for (const auto& c : cases) {
+    Stop(c.keys);
+    EXPECT_TRUE(Shown(c.message)) << c.keys;
+    Stop(std::string(c.keys) + "<Enter>");
+    EXPECT_TRUE(StatusHas(c.status)) << c.keys;
+    EXPECT_EQ(vt_.cursor_row(), c.row);
+  }
+  EXPECT_EQ(dir_.Read("NODEFILE.KSX"), "");
 }
 
 TEST_F(NodeTest, BillingWithoutADayOpensCostSharingOnSendOn) {
   const std::string add = "<Enter>2:280/1<Enter>Joe<PgDn><Enter>Y<Esc><Esc><Enter>";
-  vt_.Keys(add);
-  EXPECT_THROW(RunNodeManager(ctx_), KeysExhausted);
-  EXPECT_TRUE(Shown("You must define the day that bills should"));
-  EXPECT_TRUE(Shown("be sent. Accepted values are 1-28"));
-  vt_.Keys(add + "<Enter>");
-  EXPECT_THROW(RunNodeManager(ctx_), KeysExhausted);
+  Stop(add);
+  EXPECT_TRUE(Shown("You must define the day that bills should") &&
+              Shown("be sent. Accepted values are 1-28"));
+  Stop(add + "<Enter>");
   EXPECT_TRUE(Shown("Cost sharing options"));
-  EXPECT_NE(Status().find("Day of week/month or month of year"), std::string::npos) << Status();
+  EXPECT_TRUE(StatusHas("Day of week/month or month of year"));
   // The day typed there, the edit page goes on from "Cost sharing options", and saves.
-  vt_.Keys(add + "<Enter>15<Esc>");
-  EXPECT_THROW(RunNodeManager(ctx_), KeysExhausted);
-  EXPECT_NE(Status().find("Edit cost sharing options"), std::string::npos) << Status();
-  vt_.Keys(add + "<Enter>15<Esc><Esc><Enter><Esc>");
-  RunNodeManager(ctx_);
-  const NodeMGRrec r = Node(0);
-  EXPECT_EQ(r.billing + 0, 1);
-  EXPECT_EQ(r.sendOn + 0, 15);
-  EXPECT_EQ(r.sysop.str(), "Joe");
+  Stop(add + "<Enter>15<Esc>");
+  EXPECT_TRUE(StatusHas("Edit cost sharing options"));
+  Run(add + "<Enter>15<Esc><Esc><Enter><Esc>");
+  EXPECT_EQ(Node(0).billing + 0, 1);
+  EXPECT_EQ(Node(0).sendOn + 0, 15);
+  EXPECT_EQ(Node(0).sysop.str(), "Joe");
 }
 
 // --- Defaults --------------------------------------------------------------------------------
 
 TEST_F(NodeTest, DefaultsPageAndANewSystemStartingFromIt) {
   AddNodes({MakeNode(kA, "Ann")});
-  const std::string before = File("NODEFILE.KSX");
+  const std::string before = dir_.Read("NODEFILE.KSX");
   ctx_.archivers = {"ARC", "ARJ", "LZH", "PAK", "ZIP", "RAR"};
-  vt_.Keys(
-      "<F3><Space><Space><Space><Esc>"     // groups 1 and 2
-      "<Down><Space><Down><Space><Space>"  // Hold, Crash
-      "<Down><Space><Down><Space><Space>"  // Normal TIC file, Pack ALL files
-      "<Down>Y<Down>Y<Down>N<Down>Y<Down>N"
+  Run("<F3><Space><Space><Space><Esc>"                    // groups 1 and 2
+      "<Down><Space><Down><Space><Space>"                 // Hold, Crash
+      "<Down><Space><Down><Space><Space>"                 // Normal TIC file, Pack ALL files
+      "<Down>Y<Down>Y<Down>N<Down>Y<Down>N"               //
       "<Down><Space><Space><Space><Space><Space><Space>"  // the sixth archiver
       "<Esc><Esc>");
-  RunNodeManager(ctx_);
   EXPECT_TRUE(defaults_.groups.Has(1) && defaults_.groups.Has(2) && !defaults_.groups.Has(3));
   EXPECT_EQ(defaults_.fileAttachStatus + 0, fsHold);
   EXPECT_EQ(defaults_.otherMailStatus + 0, fsCrash);
@@ -240,16 +206,12 @@ TEST_F(NodeTest, DefaultsPageAndANewSystemStartingFromIt) {
   EXPECT_EQ(defaults_.packMode + 0, pmAllFiles);
   EXPECT_EQ(defaults_.options + 0, kNodeIncludeTemplate | kNodeSendNotifyList | kNodeAllowAutoAdd);
   EXPECT_EQ(defaults_.compression + 0, 6);
-  EXPECT_EQ(File("NODEFILE.KSX"), before) << "F3 leaves the shown system alone";
-  vt_.Keys("<F3><PgDn>");
-  EXPECT_THROW(RunNodeManager(ctx_), KeysExhausted);
-  EXPECT_TRUE(Shown("Edit defaults"));
-  EXPECT_TRUE(Shown("RAR"));
-  EXPECT_NE(Status().find("Type of compression to use for packing TIC files and arcmail"),
-            std::string::npos);
+  EXPECT_EQ(dir_.Read("NODEFILE.KSX"), before) << "F3 leaves the shown system alone";
+  Stop("<F3><PgDn>");
+  EXPECT_TRUE(Shown("Edit defaults") && Shown("RAR"));
+  EXPECT_TRUE(StatusHas("Type of compression to use for packing TIC files and arcmail"));
 
-  vt_.Keys("<Ins>2:280/77<Enter>New<Esc><Enter><Esc>");  // the defaults as they are now
-  RunNodeManager(ctx_);
+  Run("<Ins>2:280/77<Enter>New<Esc><Enter><Esc>");  // the defaults as they are now
   const NodeMGRrec r = Node(1);
   EXPECT_EQ(r.address, (NetAddr{2, 280, 77, 0}));
   EXPECT_EQ(r.sysop.str(), "New");
@@ -269,9 +231,8 @@ TEST_F(NodeTest, GlobalEditCountsAndGroupLimit) {
   both.groups.Add(2);
   AddNodes({MakeNode({2, 280, 1, 0}, "One"), MakeNode({2, 280, 2, 0}, "Two", 2), both});
   // All marked; "Inactive" on for the systems of group 1.
-  vt_.Keys("<F2><F2><Esc><Enter><Down><Down><Down><Down><Enter><Enter><Enter><Space><Esc><Enter>");
-  EXPECT_THROW(RunNodeManager(ctx_), KeysExhausted);
-  EXPECT_TRUE(Shown("Toggled the Inactive field for 2 records")) << Dump();
+  Stop("<F2><F2><Esc><Enter><Down><Down><Down><Down><Enter><Enter><Enter><Space><Esc><Enter>");
+  EXPECT_TRUE(Shown("Toggled the Inactive field for 2 records"));
   EXPECT_TRUE(Node(0).Has(kNodeInactive));
   EXPECT_FALSE(Node(1).Has(kNodeInactive)) << "not in group 1";
   EXPECT_TRUE(Node(2).Has(kNodeInactive));
@@ -280,15 +241,13 @@ TEST_F(NodeTest, GlobalEditCountsAndGroupLimit) {
   NodeMGRrec first = Node(0);
   ASSERT_TRUE(ApplyNodeChange(change, first));
   EXPECT_FALSE(ApplyNodeChange(change, first));
-  vt_.Keys("<F2><F2><Esc><Enter><Down><Down><Down><Enter><Down><Down><Enter><Tab><Enter><Enter>");
-  EXPECT_THROW(RunNodeManager(ctx_), KeysExhausted);
-  EXPECT_TRUE(Shown("Changed the Pack mode field for 3 records")) << Dump();
+  Stop("<F2><F2><Esc><Enter><Down><Down><Down><Enter><Down><Down><Enter><Tab><Enter><Enter>");
+  EXPECT_TRUE(Shown("Changed the Pack mode field for 3 records"));
   for (int i = 0; i < 3; ++i) EXPECT_EQ(Node(i).packMode + 0, pmAllFiles);
   // "No" to "Process changes?" after choosing "Hold" for the file attach status changes nothing.
-  const std::string before = File("NODEFILE.KSX");
-  vt_.Keys("<F2><F2><Esc><Enter><Enter><Down><Enter><Tab><Enter><Tab><Enter>");
-  EXPECT_THROW(RunNodeManager(ctx_), KeysExhausted);
-  EXPECT_EQ(File("NODEFILE.KSX"), before);
+  const std::string before = dir_.Read("NODEFILE.KSX");
+  Stop("<F2><F2><Esc><Enter><Enter><Down><Enter><Tab><Enter><Tab><Enter>");
+  EXPECT_EQ(dir_.Read("NODEFILE.KSX"), before);
   EXPECT_EQ(NodeChangeReport(10, 4), "Toggled the AutoAdd requests field for 4 records");
   EXPECT_EQ(NodeChangeReport(12, 1), "Toggled the Send .TIC with Freq field for 1 records");
 }
@@ -344,8 +303,7 @@ TEST_F(NodeTest, ListsKeepUsedSlotsFirstAndNameNoSystemTwice) {
   want.mareas[0].systems[2] = {};
   ExpectFiles(want);
   // The deleted fileecho still names the node: deleted records are not visited.
-  EXPECT_EQ(File("FAREAS.KSX").substr(3 * FileDef(RecordFileId::kFAreas).RecordSize(kSystems)),
-            Raw(s.fareas[3], FileDef(RecordFileId::kFAreas).RecordSize(kSystems)));
+  ExpectOnlyTheDeletedFileechoNames(kNode);
 }
 
 TEST_F(NodeTest, ChangedAddressIsReplacedOnYesOnly) {
@@ -353,49 +311,35 @@ TEST_F(NodeTest, ChangedAddressIsReplacedOnYesOnly) {
   Write(s);
   AddNodes({MakeNode(kNode, "Joe")});
   // No: the system gets its new address, the rest of the setup stays.
-  vt_.Keys("<Enter>2:280/98<Esc><Enter><Tab><Enter><Esc>");
-  RunNodeManager(ctx_);
+  Run("<Enter>2:280/98<Esc><Enter><Tab><Enter><Esc>");
   EXPECT_EQ(Node(0).address, (NetAddr{2, 280, 98, 0}));
   ExpectFiles(s);
   // Changing only the sysop name does not ask.
-  vt_.Keys("<Enter><Down>Bob<Esc><Enter>");
-  EXPECT_THROW(RunNodeManager(ctx_), KeysExhausted);
+  Stop("<Enter><Down>Bob<Esc><Enter>");
   EXPECT_FALSE(Shown("Replace node in rest of setup?"));
   EXPECT_EQ(Node(0).sysop.str(), "Bob");
   // Back to the old address, then to the new one with Yes.
-  vt_.Keys("<Enter>2:280/10<Esc><Enter><Tab><Enter><Esc>");
-  RunNodeManager(ctx_);
-  vt_.Keys("<Enter>2:280/99<Esc><Enter><Enter>");
-  EXPECT_THROW(RunNodeManager(ctx_), KeysExhausted);
+  Run("<Enter>2:280/10<Esc><Enter><Tab><Enter><Esc>");
+  Stop("<Enter>2:280/99<Esc><Enter><Enter>");
   EXPECT_TRUE(Shown("Replaced node in 6 place(s)"));
   // The run was cut short before the save: once more from the start, to the end.
   Write(s);
-  vt_.Keys("<Enter>2:280/99<Esc><Enter><Enter><Enter><Esc>");
-  RunNodeManager(ctx_);
-  // Only the deleted fileecho, which is not visited, still names the old address.
-  const std::size_t fsize = FileDef(RecordFileId::kFAreas).RecordSize(kSystems);
-  EXPECT_EQ(File("FAREAS.KSX").find(Raw(kNode)), 3 * fsize + kFileechoFixedSize);
-  EXPECT_EQ(File("MAREAS.KSX").find(Raw(kNode)), std::string::npos);
+  Run("<Enter>2:280/99<Esc><Enter><Enter><Enter><Esc>");
   EXPECT_EQ(Node(0).address, kNew);
+  ExpectOnlyTheDeletedFileechoNames(kNode);
 }
 
 TEST_F(NodeTest, DeletedSystemIsRemovedOnYesOnly) {
   SetupFiles s;
   Write(s);
   AddNodes({MakeNode(kNode, "Joe"), MakeNode(kA, "Ann")});
-  vt_.Keys("<Del><Tab><Enter><Tab><Enter><Esc>");  // "Delete this entry?" Yes, then No
-  RunNodeManager(ctx_);
+  Run("<Del><Tab><Enter><Tab><Enter><Esc>");  // "Delete this entry?" Yes, then No
   ExpectFiles(s);
-  EXPECT_EQ(File("NODEFILE.IDX").size(), sizeof(NodeMGRidx));
+  EXPECT_EQ(dir_.Read("NODEFILE.IDX").size(), sizeof(NodeMGRidx));
   AddNodes({MakeNode(kNode, "Joe")});
-  vt_.Keys("<Del><Tab><Enter><Enter>");
-  EXPECT_THROW(RunNodeManager(ctx_), KeysExhausted);
-  EXPECT_TRUE(Shown("Removed node in 6 place(s)")) << Dump();
-  // Only the deleted fileecho, which is not visited, still names the node.
-  const std::size_t fsize = FileDef(RecordFileId::kFAreas).RecordSize(kSystems);
-  EXPECT_EQ(File("FAREAS.KSX").find(Raw(kNode)), 3 * fsize + kFileechoFixedSize);
-  for (const char* f : {"MGICFILE.KSX", "REPORTS.KSX", "GRPFILE.KSX", "MAREAS.KSX"})
-    EXPECT_EQ(File(f).find(Raw(kNode)), std::string::npos) << f;
+  Stop("<Del><Tab><Enter><Enter>");
+  EXPECT_TRUE(Shown("Removed node in 6 place(s)"));
+  ExpectOnlyTheDeletedFileechoNames(kNode);
 }
 
 }  // namespace

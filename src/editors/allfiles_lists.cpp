@@ -15,10 +15,10 @@ constexpr int kTopic = 21;
 std::optional<Refusal> CheckAllfilesList(const AllfilesMgrRec& r) {
   using namespace allfiles_page;
   if (r.tag.empty()) return Refusal{kTag, "Enter a tag for this ALLFILES listing"};
-  if (r.listPath.empty()) return Refusal{kListing, "Enter the name and path of the listing"};
+  if (r.listPath.empty()) return Refusal{kListing, "Enter the name and path of the listing", true};
   const bool any = std::any_of(std::begin(r.fileAreas.bits), std::end(r.fileAreas.bits),
                                [](std::uint8_t b) { return b != 0; });
-  if (!any) return Refusal{kFileAreas, "Choose the file areas to include in the listing"};
+  if (!any) return Refusal{kFileAreas, "Choose the file areas to include in the listing", true};
   return std::nullopt;
 }
 
@@ -81,7 +81,7 @@ void RunAllfilesLists(const ListContext& ctx) {
     AllfilesMgrRec r;
     std::memcpy(&r, rec, sizeof r);
     auto refusal = CheckAllfilesList(r);
-    return refusal ? Refuse(refusal->message, refusal->field) : -1;
+    return Refuse(refusal);
   };
   mgr.topic = kTopic;
   mgr.max_entries = 1000;

@@ -17,7 +17,7 @@ std::optional<Refusal> CheckBbsFileAreas(const BbsAreaMgrRec& r) {
   if (r.comment.empty()) return Refusal{kDescription, "Enter a description for this entry"};
   const bool any = std::any_of(std::begin(r.areas.bits), std::end(r.areas.bits),
                                [](std::uint8_t b) { return b != 0; });
-  if (!any) return Refusal{kFileAreas, "Choose the BBS file areas to scan"};
+  if (!any) return Refusal{kFileAreas, "Choose the BBS file areas to scan", true};
   return std::nullopt;
 }
 
@@ -63,7 +63,7 @@ void RunBbsFileAreas(const ListContext& ctx) {
     BbsAreaMgrRec r;
     std::memcpy(&r, rec, sizeof r);
     auto refusal = CheckBbsFileAreas(r);
-    return refusal ? Refuse(refusal->message, refusal->field) : -1;
+    return Refuse(refusal);
   };
   mgr.topic = kTopic;
   mgr.max_entries = 1000;

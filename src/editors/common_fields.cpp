@@ -312,4 +312,12 @@ int Refuse(const std::string& message, int field) {
   return field;
 }
 
+int Refuse(const std::optional<Refusal>& refusal) {
+  if (!refusal) return -1;
+  if (!refusal->warning) return Refuse(refusal->message, refusal->field);
+  return MessageBoxLines({refusal->message, "", "Save anyway?"}, {"Yes", "No"}) == 'Y'
+             ? -1
+             : refusal->field;
+}
+
 }  // namespace ks

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,7 @@
 #include "dbase/recfiles.h"
 #include "dbase/record_common.h"
 #include "editors/context.h"
+#include "editors/list_checks.h"
 #include "tui/fields.h"
 
 namespace ks {
@@ -91,5 +93,8 @@ void RunWithCompanion(ManagerOBJ& mgr, const ListContext& ctx, const std::string
 
 // Shows `message` and returns `field`: the form of every check callback's refusal.
 int Refuse(const std::string& message, int field);
+// The answer of a check callback to a list check: -1 (save) when there is nothing to say or
+// the operator saves despite a warning ("Save anyway?"), otherwise the field at fault.
+int Refuse(const std::optional<Refusal>& refusal);
 
 }  // namespace ks

@@ -51,9 +51,9 @@ std::optional<Refusal> CheckEchomailArea(const EchoMGRrec& r) {
   if (tag.find(' ') != std::string::npos)
     return Refusal{kTag, "An area tag may not contain spaces"};
   if (!r.Has(kEmPassThrough)) {
-    if (r.area.type == mbNone)
-      return Refusal{kArea, "Choose the message base of this area, or make it pass through"};
     if (auto p = MsgAreaProblem(r.area, "Msg"); !p.empty()) return Refusal{kArea, p};
+    if (r.area.type == mbNone)
+      return Refusal{kArea, "Choose the message base of this area, or make it pass through", true};
   }
   return std::nullopt;
 }
@@ -163,7 +163,7 @@ void RunEchomailManager(const ListContext& ctx) {
     if (!(refusal && refusal->field == echomail_page::kTag) &&
         TagTaken(mgr.db(), rec, adding ? -1 : mgr.db().current()))
       refusal = Refusal{echomail_page::kTag, "There is already an echomail area with this tag"};
-    return refusal ? Refuse(refusal->message, refusal->field) : -1;
+    return Refuse(refusal);
   };
   mgr.topic = kTopic;
   mgr.max_entries = 65000;

@@ -14,10 +14,10 @@ constexpr int kTopic = 12;
 std::optional<Refusal> CheckFileFindArea(const AreaMGRRec& r) {
   using namespace filefind_page;
   if (r.comment.empty()) return Refusal{kComment, "Enter a comment for this area"};
-  if (r.scan.type == mbNone) return Refusal{kScan, "Choose the message area to scan"};
   if (auto p = MsgAreaProblem(r.scan, "Scan"); !p.empty()) return Refusal{kScan, p};
   // A reply area of "None" means the replies go to the scan area.
   if (auto p = MsgAreaProblem(r.reply, "Reply"); !p.empty()) return Refusal{kReply, p};
+  if (r.scan.type == mbNone) return Refusal{kScan, "Choose the message area to scan", true};
   return std::nullopt;
 }
 
@@ -86,7 +86,7 @@ void RunFileFindAreas(const ListContext& ctx) {
     AreaMGRRec r;
     std::memcpy(&r, rec, sizeof r);
     auto refusal = CheckFileFindArea(r);
-    return refusal ? Refuse(refusal->message, refusal->field) : -1;
+    return Refuse(refusal);
   };
   mgr.topic = kTopic;
   mgr.max_entries = 1000;

@@ -14,8 +14,8 @@ constexpr int kTopic = 16;
 std::optional<Refusal> CheckHatchEntry(const HatchMGRrec& r) {
   using namespace hatch_page;
   if (r.area.empty()) return Refusal{kArea, "Enter the fileecho to hatch the file into"};
-  if (r.fileSpec.empty()) return Refusal{kFile, "Enter the file specification to hatch"};
-  if ((r.days & kAllDays) == 0) return Refusal{kDays, "Choose at least one day to hatch on"};
+  if (r.fileSpec.empty()) return Refusal{kFile, "Enter the file specification to hatch", true};
+  if ((r.days & kAllDays) == 0) return Refusal{kDays, "Choose at least one day to hatch on", true};
   return std::nullopt;
 }
 
@@ -96,7 +96,7 @@ void RunHatchManager(const ListContext& ctx) {
     HatchMGRrec r;
     std::memcpy(&r, rec, sizeof r);
     auto refusal = CheckHatchEntry(r);
-    return refusal ? Refuse(refusal->message, refusal->field) : -1;
+    return Refuse(refusal);
   };
   mgr.unique = false;  // several files may be hatched into one fileecho
   mgr.topic = kTopic;

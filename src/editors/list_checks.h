@@ -1,6 +1,9 @@
 // The checks the simple lists make before an entry is saved, apart from the screen: each
 // gives the field at fault (its index on the list's page) and the message shown for it, or
-// nothing when the entry may be saved.
+// nothing when the entry may be saved. A refusal is final only where saving would lose or
+// spoil the entry: an empty key field (the entry would count as deleted) or a value the
+// processor cannot read. Whatever else a list asks for (file areas that a fresh setup may not
+// have yet, a hatch entry without days) is a warning that the operator may accept.
 #pragma once
 
 #include <optional>
@@ -16,6 +19,7 @@ namespace ks {
 struct Refusal {
   int field = 0;
   std::string message;
+  bool warning = false;  // the operator may save the entry all the same
 };
 
 // The fields of each page, in page order: the indices the checks return.

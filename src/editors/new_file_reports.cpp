@@ -112,9 +112,9 @@ std::optional<Refusal> CheckNewFileReport(const NewFileMgrRec& r) {
   if (r.groups.Empty()) return Refusal{kGroups, "Choose the groups to include in this report"};
   const bool exports = std::any_of(std::begin(r.exports), std::end(r.exports),
                                    [](const NetAddr& a) { return a.IsSet(); });
-  if (r.area.type == mbNone && !exports)
-    return Refusal{kArea, "The report needs a message area or systems to export it to"};
   if (auto p = MsgAreaProblem(r.area, "Msg"); !p.empty()) return Refusal{kArea, p};
+  if (r.area.type == mbNone && !exports)
+    return Refusal{kArea, "The report needs a message area or systems to export it to", true};
   return std::nullopt;
 }
 
@@ -207,7 +207,7 @@ void RunNewFileReports(const ListContext& ctx) {
     NewFileMgrRec r;
     std::memcpy(&r, rec, sizeof r);
     auto refusal = CheckNewFileReport(r);
-    return refusal ? Refuse(refusal->message, refusal->field) : -1;
+    return Refuse(refusal);
   };
   mgr.topic = kTopic;
   mgr.max_entries = 1000;

@@ -57,10 +57,10 @@ std::optional<Refusal> CheckRoute(const RouteMgrRec& r) {
   using namespace route_page;
   if (!r.via.IsSet()) return Refusal{kVia, "Enter the address of the system to route via"};
   const std::string nodes = r.nodes.str();
-  if (nodes.find_first_not_of(' ') == std::string::npos)
-    return Refusal{kNodes, "Enter the node masks to route via this system"};
   if (auto bad = BadNodeMask(nodes); !bad.empty())
     return Refusal{kNodes, "Invalid node mask: " + bad};
+  if (nodes.find_first_not_of(' ') == std::string::npos)
+    return Refusal{kNodes, "Enter the node masks to route via this system", true};
   return std::nullopt;
 }
 
@@ -161,7 +161,7 @@ void RunPackManager(const ListContext& ctx) {
     RouteMgrRec r;
     std::memcpy(&r, rec, sizeof r);
     auto refusal = CheckRoute(r);
-    return refusal ? Refuse(refusal->message, refusal->field) : -1;
+    return Refuse(refusal);
   };
   mgr.topic = kTopic;
   mgr.max_entries = 1000;

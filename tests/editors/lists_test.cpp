@@ -28,10 +28,11 @@ class ListsTest : public test::EditorTest {
 };
 
 TEST_F(ListsTest, FileFindAreaIsWrittenWhereTheFormatSaysAndNeedsAScanArea) {
-  // Without a scan area: the message, then the cursor on "Scan".
+  // Without a scan area: a warning; declined, the cursor is on "Scan".
   Stop(RunFileFindAreas, std::string(kAdd) + "Utilities" + kSave);
   EXPECT_TRUE(Shown("Choose the message area to scan"));
-  Stop(RunFileFindAreas, std::string(kAdd) + "Utilities" + kSave + "<Enter>");
+  EXPECT_TRUE(Shown("Save anyway?"));
+  Stop(RunFileFindAreas, std::string(kAdd) + "Utilities" + kSave + "<Esc>");
   EXPECT_TRUE(StatusHas("Msg area to scan for FileFind requests"));
   EXPECT_EQ(dir_.Read("AREAS.KSX"), "");
 
@@ -218,13 +219,29 @@ TEST_F(ListsTest, EchomailGlobalChangeSetsGroupAndSwitchesOnMarkedAreas) {
   EXPECT_TRUE(Shown("0 of 1 marked areas changed"));
 }
 
+// A fresh setup has no BBS file areas yet: an ALLFILES list is saved once the warning is
+// accepted.
+TEST_F(ListsTest, AllfilesListWithoutFileAreasSavesAfterTheWarning) {
+  file_area_source() = [] { return std::vector<FileAreaName>{}; };
+  const std::string keys = std::string(kAdd) + "all<Enter><Enter>/bbs/allfiles.txt" + kSave;
+  Stop(RunAllfilesLists, keys);
+  EXPECT_TRUE(Shown("Choose the file areas to include in the listing"));
+  Run(RunAllfilesLists, keys + "<Enter><Esc>");
+  const auto all = dir_.Record<AllfilesMgrRec>("ALLFILES.KSX");
+  EXPECT_EQ(all.tag.str(), "ALL");
+  EXPECT_EQ(all.listPath.str(), "/bbs/allfiles.txt");
+}
+
 TEST(ListChecks, EachNamesTheFieldAtFault) {
   AreaMGRRec area;
   EXPECT_EQ(CheckFileFindArea(area)->field, filefind_page::kComment);
+  EXPECT_FALSE(CheckFileFindArea(area)->warning) << "an empty key loses the entry";
   area.comment = "x";
   EXPECT_EQ(CheckFileFindArea(area)->field, filefind_page::kScan);
+  EXPECT_TRUE(CheckFileFindArea(area)->warning);
   area.scan.type = mbHudson;  // board 0
   EXPECT_EQ(CheckFileFindArea(area)->field, filefind_page::kScan);
+  EXPECT_FALSE(CheckFileFindArea(area)->warning) << "the processor cannot read board 0";
   area.scan.board = 201;
   EXPECT_EQ(CheckFileFindArea(area)->field, filefind_page::kScan);
   area.scan.board = 200;
@@ -243,6 +260,7 @@ TEST(ListChecks, EachNamesTheFieldAtFault) {
   BbsAreaMgrRec bbs;
   bbs.comment = "x";
   EXPECT_EQ(CheckBbsFileAreas(bbs)->field, bbsareas_page::kFileAreas);
+  EXPECT_TRUE(CheckBbsFileAreas(bbs)->warning);
   bbs.areas.Set(63999, true);
   EXPECT_FALSE(CheckBbsFileAreas(bbs));
 
@@ -270,8 +288,10 @@ TEST(ListChecks, EachNamesTheFieldAtFault) {
   route.via = {2, 280, 1, 0};
   route.nodes = "   ";
   EXPECT_EQ(CheckRoute(route)->field, route_page::kNodes);
+  EXPECT_TRUE(CheckRoute(route)->warning);
   route.nodes = "2:* 2:*/5";
   EXPECT_EQ(CheckRoute(route)->message, "Invalid node mask: 2:*/5");
+  EXPECT_FALSE(CheckRoute(route)->warning);
 }
 
 TEST(ListChecks, NodeMasksAndFileAreaSets) {

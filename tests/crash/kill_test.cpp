@@ -148,7 +148,7 @@ bool RunKsetup(Op op, const std::string& dir, const std::string& strace_args) {
   Tmux("new-session -d -s edit -x 80 -y 25 " + Quote(traced + "; echo $? > " + status));
   for (const Step& step : EditSteps(op)) {
     bool seen = false;
-    for (int t = 0; t < 400 && !seen && !fs::exists(status); ++t) {
+    for (int t = 0; t < 3000 && !seen && !fs::exists(status); ++t) {
       seen = Tmux("capture-pane -p -t edit").find(step.wait) != std::string::npos;
       if (!seen) std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
@@ -160,7 +160,7 @@ bool RunKsetup(Op op, const std::string& dir, const std::string& strace_args) {
     }
     if (*step.keys) Tmux("send-keys -t edit " + std::string(step.keys));
   }
-  for (int t = 0; t < 1000 && !fs::exists(status); ++t)
+  for (int t = 0; t < 3000 && !fs::exists(status); ++t)
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   Tmux("kill-session -t edit");
   return ReadFile(status) == "0\n";

@@ -27,20 +27,21 @@ std::uint8_t ByteAt(const KESTRAcfg& rec, std::size_t offset) {
   return reinterpret_cast<const std::uint8_t*>(&rec)[offset];
 }
 
-TEST_F(AppTest, FirstStartCreatesTheSetupFileAfterAsking) {
+TEST_F(AppTest, FirstStartCreatesTheSetupFileAfterAskingAndNoCreatesNothing) {
   EXPECT_THROW(Run({}, ""), KeysExhausted);
-  EXPECT_TRUE(Screen(SetupPath()));
-  EXPECT_TRUE(Screen("File not found, create a new one?"));
+  EXPECT_TRUE(Screen(SetupPath()) && Screen("File not found, create a new one?"));
   EXPECT_TRUE(Screen(" Yes ") && Screen(" No  "));
+  EXPECT_FALSE(dir_.Has("setup.ksx"));
+  EXPECT_EQ(Run({}, "<Tab><Enter>"), 0);
+  EXPECT_EQ(Run({}, "<Esc>"), 0);
   EXPECT_FALSE(dir_.Has("setup.ksx"));
 
   EXPECT_EQ(Run({}, "<Enter><F9>"), 0);
   ASSERT_EQ(std::filesystem::file_size(SetupPath()), 17884u);
+  // What the loader adds to the new record's defaults: the three flags, the option byte, an
+  // invoice number and the colour set of a new file.
   const KESTRAcfg rec = ReadSetup();
   EXPECT_EQ(rec.revision, 18);
-  EXPECT_EQ(ByteAt(rec, 9441), 6);
-  EXPECT_EQ(ByteAt(rec, 9442), 1);
-  EXPECT_EQ(ByteAt(rec, 9443), 7);
   EXPECT_EQ(ByteAt(rec, 14887) + ByteAt(rec, 14888) + ByteAt(rec, 14889), 3);
   EXPECT_NE(ByteAt(rec, 15118), 0);
   EXPECT_NE(rec.nextInvoice, 0u);
@@ -50,27 +51,19 @@ TEST_F(AppTest, FirstStartCreatesTheSetupFileAfterAsking) {
   EXPECT_EQ(vt_->kept_rows(), 4);
 }
 
-TEST_F(AppTest, AnsweringNoCreatesNothing) {
-  EXPECT_EQ(Run({}, "<Tab><Enter>"), 0);
-  EXPECT_FALSE(dir_.Has("setup.ksx"));
-  EXPECT_EQ(Run({}, "<Esc>"), 0);
-  EXPECT_FALSE(dir_.Has("setup.ksx"));
-}
-
-TEST_F(AppTest, WrongSizeFilesAreCorruptAndLeftAlone) {
+// A setup file that cannot be used is reported and left as it is; an older revision is
+// upgraded with a message, old version bytes silently.
+TEST_F(AppTest, SetupFilesOfOtherSizesAndRevisions) {
   for (std::size_t size : {17883u, 17885u, 0u}) {
     const std::string bytes(size, '\x12');
     dir_.Write("setup.ksx", bytes);
     EXPECT_THROW(Run({}, ""), KeysExhausted);
     EXPECT_TRUE(Screen("file corrupt or incorrect format.")) << size;
-    EXPECT_TRUE(Screen("Please use the accompanying UPDATE utility"));
-    EXPECT_TRUE(Screen("when upgrading to a newer version"));
+    EXPECT_TRUE(Screen("Please use the accompanying UPDATE utility") &&
+                Screen("when upgrading to a newer version"));
     EXPECT_EQ(Run({}, "<Enter>"), 0);  // no menu follows
     EXPECT_EQ(*ReadWholeFile(SetupPath()), bytes);
   }
-}
-
-TEST_F(AppTest, NewerRevisionIsRefusedAndNeverChanged) {
   KESTRAcfg rec = ConfigWithAddress(2);
   rec.revision = 19;
   WriteSetup(rec);
@@ -80,20 +73,15 @@ TEST_F(AppTest, NewerRevisionIsRefusedAndNeverChanged) {
   EXPECT_TRUE(Screen("Please update your copy of KESTRA."));
   EXPECT_EQ(Run({}, "<Enter>"), 0);
   EXPECT_EQ(ReadSetup().revision, 19);
-}
 
-TEST_F(AppTest, OlderRevisionIsUpgradedWithAMessageAndSaved) {
-  KESTRAcfg rec = ConfigWithAddress(2);
   rec.revision = 17;
   WriteSetup(rec);
   EXPECT_THROW(Run({}, ""), KeysExhausted);
   EXPECT_TRUE(Screen("setup.ksx file updated to new version level"));
   EXPECT_EQ(Run({}, "<Enter><F9>"), 0);
   EXPECT_EQ(ReadSetup().revision, 18);
-}
 
-TEST_F(AppTest, OldVersionBytesAreRewrittenSilently) {
-  KESTRAcfg rec = ConfigWithAddress(2);
+  rec = ConfigWithAddress(2);
   reinterpret_cast<std::uint8_t*>(&rec)[9442] = 0;
   reinterpret_cast<std::uint8_t*>(&rec)[9443] = 3;
   WriteSetup(rec);
@@ -102,41 +90,18 @@ TEST_F(AppTest, OldVersionBytesAreRewrittenSilently) {
   EXPECT_EQ(ByteAt(ReadSetup(), 9443), 7);
 }
 
-TEST_F(AppTest, BusyMarkerStopsEvenTheIndexCommand) {
-  dir_.Write("kestra.bsy", "");
-  WriteSetup(ConfigWithAddress(2));
-  EXPECT_EQ(Run({"index"}, ""), 0);
-  EXPECT_FALSE(opened_);
-  EXPECT_NE(out_.str().find("KESTRA/KSETUP is currently busy in another task"), std::string::npos);
-  EXPECT_NE(out_.str().find(" Setup program \u2219 "), std::string::npos) << out_.str();
-}
-
-TEST_F(AppTest, UnknownArgumentPrintsUsageWithoutFullScreen) {
-  EXPECT_EQ(Run({"/mono"}, ""), 0);
-  EXPECT_FALSE(opened_);
-  const std::string out = out_.str();
-  EXPECT_NE(out.find("Usage:\n\n   KSETUP [command] [switches]\n"), std::string::npos) << out;
-  EXPECT_NE(out.find("   -SFI     Force Speech Friendly Interface\n"), std::string::npos);
-  EXPECT_FALSE(dir_.Has("setup.ksx"));
-}
-
-TEST_F(AppTest, IndexCommandShowsNoMenu) {
-  WriteSetup(ConfigWithAddress(2));
-  EXPECT_EQ(Run({"INDEX", "pack"}, ""), 0);
-  EXPECT_TRUE(opened_);
-  EXPECT_FALSE(Screen("Exit program"));
-  EXPECT_EQ(vt_->kept_rows(), 4);
-}
-
 TEST_F(AppTest, HeaderShowsMainAddressAndHelpKey) {
   WriteSetup(ConfigWithAddress(2));
   EXPECT_THROW(Run({}, ""), KeysExhausted);
-  const std::string row2 = vt_->Row(2), row3 = vt_->Row(3);
-  EXPECT_EQ(row2.substr(80 - 2 - 10, 10), "2:280/5555");  // ends two columns from the edge
-  EXPECT_EQ(row3.substr(80 - 10, 7), "F1=Help");          // from column 71
+  EXPECT_EQ(vt_->Row(2).substr(80 - 2 - 10, 10), "2:280/5555");  // two columns from the edge
+  EXPECT_EQ(vt_->Row(3).substr(80 - 10, 7), "F1=Help");          // from column 71
   EXPECT_TRUE(Screen("Miscellaneous system parameters"));
   EXPECT_EQ(Run({}, "<F9>"), 0);
   EXPECT_EQ(vt_->Row(3).substr(80 - 10, 7), "       ");
+  // The Index command shows no menu and keeps the header.
+  EXPECT_EQ(Run({"INDEX", "pack"}, ""), 0);
+  EXPECT_FALSE(Screen("Exit program"));
+  EXPECT_EQ(vt_->kept_rows(), 4);
 }
 
 TEST_F(AppTest, WithoutMainAddressMostChoicesRefuse) {
@@ -169,26 +134,30 @@ class ExitPathTest : public AppTest {
   KESTRAcfg original_;
 };
 
-TEST_F(ExitPathTest, ChangedConfigAsksBeforeLeaving) {
+TEST_F(ExitPathTest, ChangedConfigIsSavedOrDroppedAsTheKeysSay) {
   ChangeOnOpen(1200);
   EXPECT_THROW(Run({}, "<Down><Enter><End><Enter>"), KeysExhausted);
-  EXPECT_TRUE(Screen("Changes have been made."));
-  EXPECT_TRUE(Screen("Should those changes be saved?"));
+  EXPECT_TRUE(Screen("Changes have been made.") && Screen("Should those changes be saved?"));
   EXPECT_TRUE(Screen(" Yes ") && Screen(" No ") && Screen(" Cancel "));
   EXPECT_FALSE(Saved());
-  EXPECT_EQ(Run({}, "<Down><Enter><End><Enter><Enter>"), 0);  // Enter on "Yes"
-  EXPECT_TRUE(Saved());
-}
-
-TEST_F(ExitPathTest, NoLeavesWithoutSavingCancelAndEscStay) {
-  ChangeOnOpen(1200);
-  EXPECT_EQ(Run({}, "<Down><Enter><Esc>n"), 0);
-  EXPECT_FALSE(Saved());
-  // Cancel and Esc return to the menu, which is drawn again; F9 then leaves without saving.
-  EXPECT_EQ(Run({}, "<Down><Enter><Esc>c<Esc><Esc><F9>"), 0);
-  EXPECT_FALSE(Saved());
-  EXPECT_EQ(Run({}, "<Down><Enter><Esc>y"), 0);
-  EXPECT_TRUE(Saved());
+  const struct {
+    const char* keys;
+    bool saved;
+  } cases[] = {
+      {"<End><Enter><Enter>", true},  // Enter on "Yes"
+      {"<Esc>n", false},
+      {"<Esc>c<Esc><Esc><F9>", false},  // Cancel and Esc return to the menu; F9 leaves unsaved
+      {"<Esc>y", true},
+      {"<F9>", false},  // F9 discards, F10 saves without asking, C and D act as them
+      {"C", false},
+      {"D", true},
+      {"<F10>", true},
+  };
+  for (const auto& c : cases) {
+    WriteSetup(original_);
+    EXPECT_EQ(Run({}, std::string("<Down><Enter>") + c.keys), 0) << c.keys;
+    EXPECT_EQ(Saved(), c.saved) << c.keys;
+  }
 }
 
 TEST_F(ExitPathTest, ChangeOfTheLastByteAloneIsNotReported) {
@@ -200,20 +169,6 @@ TEST_F(ExitPathTest, ChangeOfTheLastByteAloneIsNotReported) {
   EXPECT_TRUE(Screen("Changes have been made."));
 }
 
-TEST_F(ExitPathTest, F10SavesWithoutAskingF9DiscardsCAndDActAsThem) {
-  ChangeOnOpen(1200);
-  EXPECT_EQ(Run({}, "<Down><Enter><F9>"), 0);
-  EXPECT_FALSE(Saved());
-  EXPECT_EQ(Run({}, "<Down><Enter>C"), 0);
-  EXPECT_FALSE(Saved());
-  EXPECT_EQ(Run({}, "<Down><Enter>D"), 0);
-  EXPECT_TRUE(Saved());
-  std::filesystem::remove(SetupPath());
-  WriteSetup(original_);
-  EXPECT_EQ(Run({}, "<Down><Enter><F10>"), 0);
-  EXPECT_TRUE(Saved());
-}
-
 TEST_F(ExitPathTest, SubmenusCloseOnF9AndF10WithoutLeavingTheProgram) {
   ChangeOnOpen(1200);
   // Fileecho system: F10 and F9 only close it; the main menu goes on.
@@ -222,17 +177,13 @@ TEST_F(ExitPathTest, SubmenusCloseOnF9AndF10WithoutLeavingTheProgram) {
   EXPECT_FALSE(Saved());
   EXPECT_THROW(Run({}, "<Down><Down><Down><Enter>"), KeysExhausted);
   EXPECT_TRUE(Screen("Fileecho manager   "));
-  EXPECT_TRUE(Screen(" \xC3\xC4Options"));
-  EXPECT_TRUE(Screen(" \xC0\xC4LongDesc options"));
-  EXPECT_TRUE(Screen(" \xC3\xC4Uplink systems"));
-  EXPECT_TRUE(Screen(" \xC0\xC4Uplink options"));
+  EXPECT_TRUE(Screen(" \xC3\xC4Options") && Screen(" \xC0\xC4LongDesc options"));
+  EXPECT_TRUE(Screen(" \xC3\xC4Uplink systems") && Screen(" \xC0\xC4Uplink options"));
   // Utilities ignores F9 and F10; only Esc leaves it.
   EXPECT_THROW(Run({}, "<End><Up><Up><Enter><F9><F10>"), KeysExhausted);
   EXPECT_TRUE(Screen("Template editor"));
   EXPECT_EQ(Run({}, "<End><Up><Up><Enter><F9><F10><Esc><F9>"), 0);
-}
-
-TEST_F(ExitPathTest, EchomailSubmenuAndItsItems) {
+  // The echomail submenu opens its items.
   std::vector<int> opened;
   menu_actions().echomail[1] = [&] { opened.push_back(1); };
   menu_actions().echomail[3] = [&] { opened.push_back(3); };
@@ -250,8 +201,7 @@ TEST_F(AppTest, TemporaryFilesOfTheWorkDirectoryGoAtExit) {
   dir_.Write("1ABCDEF2.tmp", "x");  // not the work directory
   EXPECT_EQ(Run({}, "<F9>"), 0);
   EXPECT_FALSE(work.Has("0ABCDEF1.tmp"));
-  EXPECT_TRUE(work.Has("notes.tmp"));
-  EXPECT_TRUE(dir_.Has("1ABCDEF2.tmp"));
+  EXPECT_TRUE(work.Has("notes.tmp") && dir_.Has("1ABCDEF2.tmp"));
 }
 
 TEST_F(AppTest, ColourModesAndTheDefaultSet) {
@@ -287,14 +237,6 @@ TEST_F(AppTest, SpeechFriendlyKeepsTheCursorOnTheHighlight) {
   WriteSetup(rec);
   EXPECT_THROW(Run({}, ""), KeysExhausted);
   EXPECT_EQ(vt_->cursor_shape(), CursorShape::kUnderline);
-}
-
-TEST(FatalReport, NamesTheExceptionClassAndTheDirectories) {
-  const auto lines = FatalReport(std::runtime_error("boom"));
-  ASSERT_EQ(lines.size(), 3u);
-  EXPECT_EQ(lines[0], "FATAL Exception: std::runtime_error: boom");
-  EXPECT_EQ(lines[1].rfind("ExePath = ", 0), 0u);
-  EXPECT_EQ(lines[2], "SetupFileName = setup.ksx");
 }
 
 }  // namespace

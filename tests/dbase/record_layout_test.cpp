@@ -56,75 +56,35 @@ TEST(RecordLayout, EveryRecordAndIndexEntryIsCoveredByItsFields) {
   EXPECT_EQ(esys->size, kDefaultSystemsPerArea * sizeof(ConnectedSystem));
 }
 
-// One key of a file: the record member it is copied from and the index member it lands in.
-// A record member is named by its layout, since a group record's keys lie in its fileecho
-// part (which starts at offset 0).
+// One key of a file: the record member it is copied from and the index member it lands in
+// (of the same name unless given). The record member is named by its layout, which is the
+// file's record unless given: a group record's keys lie in its fileecho part, at offset 0.
 struct KeyMember {
-  std::string_view record_layout, record_member, index_member;
+  std::string_view record_member, index_member = {}, record_layout = {};
 };
 struct FileKeys {
   RecordFileId id;
   std::string_view record, index;
-  std::size_t index_size;
   std::vector<KeyMember> keys;
 };
 
 std::vector<FileKeys> AllFileKeys() {
   using enum RecordFileId;
+  constexpr std::string_view fe = "FileMGRrec";
   return {
-      {kAreas,
-       "AreaMGRRec",
-       "AreaMgrIdx",
-       sizeof(AreaMgrIdx),
-       {{"AreaMGRRec", "comment", "comment"}}},
-      {kReports,
-       "NewFileMgrRec",
-       "NewFileMgrIdx",
-       sizeof(NewFileMgrIdx),
-       {{"NewFileMgrRec", "groups", "groups"}, {"NewFileMgrRec", "inactive", "inactive"}}},
-      {kFAreas,
-       "FileMGRrec",
-       "FileMGRidx",
-       sizeof(FileMGRidx),
-       {{"FileMGRrec", "tag", "tag"}, {"FileMGRrec", "group", "group"}}},
-      {kMAreas,
-       "EchoMGRrec",
-       "EchoMgrIdx",
-       sizeof(EchoMgrIdx),
-       {{"EchoMGRrec", "tag", "tag"}, {"EchoMGRrec", "group", "group"}}},
+      {kAreas, "AreaMGRRec", "AreaMgrIdx", {{"comment"}}},
+      {kReports, "NewFileMgrRec", "NewFileMgrIdx", {{"groups"}, {"inactive"}}},
+      {kFAreas, "FileMGRrec", "FileMGRidx", {{"tag"}, {"group"}}},
+      {kMAreas, "EchoMGRrec", "EchoMgrIdx", {{"tag"}, {"group"}}},
       {kGroups,
        "GrpFileMgrRec",
        "GrpFileMgrIdx",
-       sizeof(GrpFileMgrIdx),
-       {{"FileMGRrec", "group", "group"},
-        {"FileMGRrec", "tag", "mask"},
-        {"GrpFileMgrRec", "name", "name"},
-        {"FileMGRrec", "groupUplink", "uplink"}}},
-      {kMagic,
-       "MagicFileMgrRec",
-       "MagicMGRidx",
-       sizeof(MagicMGRidx),
-       {{"MagicFileMgrRec", "mask", "mask"}, {"MagicFileMgrRec", "type", "type"}}},
-      {kBbsAreas,
-       "BbsAreaMgrRec",
-       "BbsAreaMgrIdx",
-       sizeof(BbsAreaMgrIdx),
-       {{"BbsAreaMgrRec", "group", "group"}, {"BbsAreaMgrRec", "comment", "comment"}}},
-      {kHatch,
-       "HatchMGRrec",
-       "HatchMgrIdx",
-       sizeof(HatchMgrIdx),
-       {{"HatchMGRrec", "area", "area"}}},
-      {kNodes,
-       "NodeMGRrec",
-       "NodeMGRidx",
-       sizeof(NodeMGRidx),
-       {{"NodeMGRrec", "address", "address"}}},
-      {kAllfiles,
-       "AllfilesMgrRec",
-       "AllfilesMgrIdx",
-       sizeof(AllfilesMgrIdx),
-       {{"AllfilesMgrRec", "tag", "tag"}}},
+       {{"group", {}, fe}, {"tag", "mask", fe}, {"name"}, {"groupUplink", "uplink", fe}}},
+      {kMagic, "MagicFileMgrRec", "MagicMGRidx", {{"mask"}, {"type"}}},
+      {kBbsAreas, "BbsAreaMgrRec", "BbsAreaMgrIdx", {{"group"}, {"comment"}}},
+      {kHatch, "HatchMGRrec", "HatchMgrIdx", {{"area"}}},
+      {kNodes, "NodeMGRrec", "NodeMGRidx", {{"address"}}},
+      {kAllfiles, "AllfilesMgrRec", "AllfilesMgrIdx", {{"tag"}}},
   };
 }
 
@@ -134,20 +94,24 @@ TEST(RecordLayout, IndexEntriesHoldTheKeysOfTheirFileAndTheRecordNumber) {
   for (const auto& file : files) {
     const RecordFileDef& def = FileDef(file.id);
     SCOPED_TRACE(def.base);
-    EXPECT_EQ(def.keys.entry_size(), file.index_size);
-    EXPECT_EQ(def.keys.length() + 2, file.index_size);
+    const Layout* index = FindRecordLayout(file.index);
+    ASSERT_NE(index, nullptr);
+    EXPECT_EQ(def.keys.entry_size(), index->size);
+    EXPECT_EQ(def.keys.length() + 2, index->size);
     ASSERT_EQ(def.keys.count(), static_cast<int>(file.keys.size()));
     for (int k = 0; k < def.keys.count(); ++k) {
       const KeyDef& d = def.keys[k];
       const KeyMember& m = file.keys[static_cast<std::size_t>(k)];
       SCOPED_TRACE(d.name);
       // The key copies a whole member of the record...
-      const LayoutField* from = FieldOf(m.record_layout, m.record_member);
+      const LayoutField* from =
+          FieldOf(m.record_layout.empty() ? file.record : m.record_layout, m.record_member);
       ASSERT_NE(from, nullptr) << m.record_member;
       EXPECT_EQ(d.rec_offset, from->offset);
       EXPECT_EQ(d.length, from->size);
       // ...into the member of the index entry that holds it.
-      const LayoutField* to = FieldOf(file.index, m.index_member);
+      const LayoutField* to =
+          FieldOf(file.index, m.index_member.empty() ? m.record_member : m.index_member);
       ASSERT_NE(to, nullptr) << m.index_member;
       EXPECT_EQ(d.key_offset, to->offset);
       EXPECT_EQ(d.length, to->size);

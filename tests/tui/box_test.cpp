@@ -23,38 +23,27 @@ class MenuTest : public test::VtTest {
   std::unique_ptr<BoxOBJ> box_;
 };
 
-TEST_F(MenuTest, ArrowsTabAndWrapping) {
-  EXPECT_EQ(Run("<Down><Enter>"), 2);
-  EXPECT_EQ(Run("<Enter>"), 2);              // the highlight starts on the last choice
-  EXPECT_EQ(Run("<Down><Down><Enter>"), 1);  // past the last wraps to the first
-  EXPECT_EQ(Run("<Up><Enter>"), 3);          // before the first wraps to the last
-  EXPECT_EQ(Run("<Tab><Enter>"), 1);
-  EXPECT_EQ(Run("<S-Tab><Enter>"), 3);
-  EXPECT_EQ(Run("<Home><Enter>"), 1);
-  EXPECT_EQ(Run("<End><Enter>"), 3);
-  EXPECT_EQ(Run("<PgUp><Enter>"), 1);
-  EXPECT_EQ(Run("<PgDn><Esc>"), kChoiceEsc);
-}
-
-TEST_F(MenuTest, LettersShareTheScanCodeSpace) {
-  // "P" is Down's code, "H" Up's, "G" Home's; lower case letters do nothing.
-  EXPECT_EQ(Run("PP<Enter>"), 3);
-  EXPECT_EQ(Run("H<Enter>"), 2);
-  EXPECT_EQ(Run("pxG<Enter>"), 1);
-}
-
-TEST_F(MenuTest, F9AndF10EndOnlyTopMenus) {
-  EXPECT_EQ(Run("<F9><F10>CD<Down><Enter>"), 2);  // ignored in an ordinary menu
+TEST_F(MenuTest, KeysMoveTheHighlightAndEndTheMenu) {
+  // Each script runs on the menu as the one before left it: the highlight stays on the last
+  // choice, and moving past either end wraps. Letters share the scan codes ("P" Down, "H" Up,
+  // "G" Home, "C" F9, "D" F10); lower case letters do nothing, and F9 and F10 end only top
+  // menus.
+  const std::pair<const char*, int> cases[] = {
+      {"<Down><Enter>", 2},       {"<Enter>", 2},
+      {"<Down><Down><Enter>", 1}, {"<Up><Enter>", 3},
+      {"<Tab><Enter>", 1},        {"<S-Tab><Enter>", 3},
+      {"<Home><Enter>", 1},       {"<End><Enter>", 3},
+      {"<PgUp><Enter>", 1},       {"<PgDn><Esc>", kChoiceEsc},
+      {"<Home>PP<Enter>", 3},     {"H<Enter>", 2},
+      {"pxG<Enter>", 1},          {"<F9><F10>CD<Down><Enter>", 2}};
+  for (const auto& [keys, choice] : cases) EXPECT_EQ(Run(keys), choice) << keys;
+  box_->exit_keys().set(key::kF2);
+  EXPECT_EQ(Run("<Down><F2>"), 3);
   box_->set_top_menu(true);
   EXPECT_EQ(Run("<F9>"), kChoiceF9);
   EXPECT_EQ(Run("<F10>"), kChoiceF10);
-  EXPECT_EQ(Run("C"), kChoiceF9);  // "C" has F9's code
+  EXPECT_EQ(Run("C"), kChoiceF9);
   EXPECT_EQ(Run("D"), kChoiceF10);
-}
-
-TEST_F(MenuTest, ExitKeySetReturnsHighlightedChoice) {
-  box_->exit_keys().set(key::kF2);
-  EXPECT_EQ(Run("<Down><F2>"), 2);
 }
 
 TEST_F(MenuTest, HighlightAndStatusLineFollowSelection) {
@@ -125,7 +114,7 @@ TEST_F(MenuTest, HotKeyRunsItsProcedureAndDisabledOnesDoNot) {
   EXPECT_EQ(runs, 7);
 }
 
-TEST_F(MenuTest, LimitsOnItemsAndHotKeysAreSilent) {
+TEST_F(MenuTest, LimitOnItemsIsSilent) {
   BoxOBJ big(1, 5, 80, 24, "Big");
   for (int i = 0; i < 105; ++i) big.AddItem(2, 1, "x", "", 0);
   EXPECT_EQ(big.item_count(), BoxOBJ::kMaxItems);

@@ -26,23 +26,8 @@ class MaintainTest : public test::PairTest {
   }
 };
 
-TEST_F(MaintainTest, BuildIndexSortsTheKeysAndLeavesOutAllZeroKeys) {
-  WriteBytes("PAIR.KSX", test::Concat({L.Rec("B", 2), L.Rec("", 0, 9), L.Rec("A", 5), L.Rec("B", 1),
-                                       L.Rec("", 3)}));
-  ASSERT_TRUE(Build());
-  EXPECT_EQ(ReadBytes("PAIR.IDX"), test::Concat({L.Entry("", 3, 4), L.Entry("A", 5, 2),
-                                                 L.Entry("B", 1, 3), L.Entry("B", 2, 0)}));
-}
-
-TEST_F(MaintainTest, BuildIndexOnAnEmptyOrMissingDataFileLeavesNoFiles) {
-  WriteBytes("PAIR.KSX", {});
-  ASSERT_TRUE(Build());
-  EXPECT_FALSE(dir_.Has("PAIR.KSX"));
-  EXPECT_FALSE(dir_.Has("PAIR.IDX"));
-  ASSERT_TRUE(Build());
-  EXPECT_FALSE(dir_.Has("PAIR.KSX"));
-}
-
+// What the fuzz target checks of every pair it builds and packs (sorted entries of the keyed
+// records; both files gone when nothing is left) is not repeated here.
 TEST_F(MaintainTest, BuildIndexIgnoresATrailingPartialRecord) {
   Bytes data = test::Concat({L.Rec("A", 1), L.Rec("B", 1)});
   data.resize(data.size() + 5, 'x');
@@ -71,14 +56,6 @@ TEST_F(MaintainTest, PackKeepsReferencedRecordsInIndexOrderAndHandsEachToTheProc
   // The record numbers changed; the caller rebuilds the index.
   ASSERT_TRUE(Build());
   EXPECT_EQ(ReadBytes("PAIR.IDX"), test::Concat({L.Entry("A", 1, 0), L.Entry("C", 1, 1)}));
-}
-
-TEST_F(MaintainTest, PackingEverythingAwayDeletesBothFiles) {
-  WriteBytes("PAIR.KSX", test::Concat({L.Rec("A", 1), L.Rec("B", 1)}));
-  WriteBytes("PAIR.IDX", {});
-  ASSERT_TRUE(Pack());
-  EXPECT_FALSE(dir_.Has("PAIR.KSX"));
-  EXPECT_FALSE(dir_.Has("PAIR.IDX"));
 }
 
 TEST_F(MaintainTest, APackThatRunsOutOfDiskPutsTheOldDataFileBack) {

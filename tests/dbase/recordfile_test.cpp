@@ -107,28 +107,6 @@ TEST_F(RecordFileTest, EqualKeysKeepTheirOrderAndAnUpdateResortsOnlyWhenTheKeyCh
   EXPECT_EQ(fa_.GetIndex(2).recno + 0, 1);
 }
 
-TEST_F(RecordFileTest, ADeletedRecordComesBackWithRebuildAndGoesForGoodWithPack) {
-  OpenEmpty();
-  for (const char* tag : {"A", "B", "C"}) ASSERT_TRUE(fa_.Add(Fileecho(tag, 1)));
-  ASSERT_TRUE(fa_.Delete(fa_.Find("B")));
-  EXPECT_EQ(IndexTags(), (Tags{"A", "C"}));
-  fa_.Rebuild();
-  EXPECT_EQ(IndexTags(), (Tags{"A", "B", "C"}));
-
-  ASSERT_TRUE(fa_.Delete(fa_.Find("A")));
-  fa_.Pack();
-  ASSERT_TRUE(fa_.IsOpen());
-  EXPECT_EQ(IndexTags(), (Tags{"B", "C"}));
-  EXPECT_EQ(Read("FAREAS.KSX").size(), 2 * kFileRecSizeDefault);
-  EXPECT_FALSE(dir_.Has("FAREAS.$$$"));
-  fa_.Rebuild();
-  EXPECT_EQ(IndexTags(), (Tags{"B", "C"}));
-  EXPECT_EQ(fa_.GetIndex(0).recno + 0, 0);
-  FileMGRrec rec;
-  ASSERT_TRUE(fa_.ReadRecord(1, rec));
-  EXPECT_EQ(rec.tag.str(), "C");
-}
-
 TEST_F(RecordFileTest, AnAddThatCannotBeWrittenLeavesTheFileAsItWas) {
   OpenEmpty();
   ASSERT_TRUE(fa_.Add(Fileecho("KEEP", 1)));
@@ -174,27 +152,6 @@ TEST_F(RecordFileTest, NodesAreFoundByAddressAndOrderedByWords) {
   EXPECT_EQ(nodes.Find(NetAddr{2, 280, 5555, 1}), 2);
   EXPECT_EQ(nodes.Find(NetAddr{2, 280, 5555, 0}), 1);
   EXPECT_EQ(nodes.Find(NetAddr{2, 280, 5556, 0}), -1);
-}
-
-TEST_F(RecordFileTest, TheEchomailOptionDropsUnlinkedAreasWhenPacking) {
-  dir_.Write("MAREAS.KSX", "");
-  dir_.Write("MAREAS.IDX", "");
-  for (std::uint8_t option : {0, 1}) {
-    TMAreasFile areas;
-    ASSERT_TRUE(areas.Open(dir_.path()));
-    while (areas.Count() > 0) areas.Delete(0);
-    EchoMGRrec linked{}, unlinked{};
-    linked.tag = "LINKED";
-    linked.systems[199].address = {2, 280, 1, 0};
-    unlinked.tag = "UNLINKED";
-    ASSERT_TRUE(areas.Add(linked));
-    ASSERT_TRUE(areas.Add(unlinked));
-    areas.SetEchomailOption(option);
-    areas.Pack();
-    EXPECT_EQ(areas.Count(), option ? 1 : 2) << int(option);
-    EXPECT_EQ(areas.GetIndex(0).tag.str(), "LINKED");
-    EXPECT_EQ(Read("MAREAS.KSX").size(), areas.Count() * EchoRecordSize(200));
-  }
 }
 
 }  // namespace

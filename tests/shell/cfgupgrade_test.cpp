@@ -149,39 +149,25 @@ TEST(CfgUpgrade, FromRevision17OnlyTheLastStepRuns) {
   EXPECT_EQ(Raw(rec)[9443], before[9443]);
 }
 
-class CfgUpgradeFromRevision6 : public ::testing::Test {
- protected:
-  void SetUp() override {
-    rec = Noise(6, 777);
-    auto* p = reinterpret_cast<std::uint8_t*>(&rec);
-    // The old address list: 32 addresses, the last four unused.
-    for (std::size_t i = 0; i < kOldAddressCount; ++i) {
-      NetAddr a{};
-      if (i < 28)
-        a = {static_cast<std::uint16_t>(1 + i % 4), static_cast<std::uint16_t>(280 + i),
-             static_cast<std::uint16_t>(5555 + i), static_cast<std::uint16_t>(i % 3)};
-      oldList[i] = a;
-    }
-    std::memcpy(p + kOldAddressOffset, oldList, sizeof oldList);
-    // The old aka-matching rows: pattern and an index into that list.
-    OldAkaMatchRow rows[kAkaMatchCount];
-    for (std::size_t i = 0; i < kAkaMatchCount; ++i)
-      rows[i] = {0, static_cast<std::uint16_t>(77 + i), static_cast<std::uint8_t>(i)};  // empty
-    rows[0] = {2, 280, 0};   // the main address
-    rows[1] = {1, 0, 3};     // a whole zone, aka 3
-    rows[2] = {3, 10, 40};   // an index beyond the list
-    rows[5] = {2, 5, 30};    // an unused address
-    rows[19] = {4, 99, 27};  // the last row, the last used aka
-    std::memcpy(p + kOldAkaMatchOffset, rows, sizeof rows);
-    before = Raw(rec);
-  }
-
-  KESTRAcfg rec;
-  NetAddr oldList[kOldAddressCount];
-  Bytes before;
-};
-
-TEST_F(CfgUpgradeFromRevision6, AddressListMovesByteForByte) {
+// Revision 6 kept 32 addresses elsewhere and an aka-matching table of indexes into them.
+TEST(CfgUpgrade, FromRevision6TheAddressListMovesAndTheAkaTableHoldsTheAddresses) {
+  KESTRAcfg rec = Noise(6, 777);
+  auto* p = reinterpret_cast<std::uint8_t*>(&rec);
+  NetAddr old[kOldAddressCount] = {};  // the last four unused
+  for (std::size_t i = 0; i < 28; ++i)
+    old[i] = {static_cast<std::uint16_t>(1 + i % 4), static_cast<std::uint16_t>(280 + i),
+              static_cast<std::uint16_t>(5555 + i), static_cast<std::uint16_t>(i % 3)};
+  std::memcpy(p + kOldAddressOffset, old, sizeof old);
+  OldAkaMatchRow rows[kAkaMatchCount];
+  for (std::size_t i = 0; i < kAkaMatchCount; ++i)
+    rows[i] = {0, static_cast<std::uint16_t>(77 + i), static_cast<std::uint8_t>(i)};  // empty
+  rows[0] = {2, 280, 0};   // the main address
+  rows[1] = {1, 0, 3};     // a whole zone, aka 3
+  rows[2] = {3, 10, 40};   // an index beyond the list
+  rows[5] = {2, 5, 30};    // an unused address
+  rows[19] = {4, 99, 27};  // the last row, the last used aka
+  std::memcpy(p + kOldAkaMatchOffset, rows, sizeof rows);
+  const Bytes before = Raw(rec);
   ApplyRevisionSteps(rec);
   const Bytes after = Raw(rec);
   ExpectOnlyStepBytesChanged(before, after, 6);
@@ -190,24 +176,19 @@ TEST_F(CfgUpgradeFromRevision6, AddressListMovesByteForByte) {
                            kOldAddressCount * sizeof(NetAddr)));
   EXPECT_TRUE(AllZero(rec, {17104 + kOldAddressCount * 8, 17104 + kAddressCount * 8 - 1}));
   EXPECT_TRUE(AllZero(rec, {9477, 9732})) << "the old list's place must be cleared";
-  EXPECT_EQ(rec.addresses[0], oldList[0]);
+  EXPECT_EQ(rec.addresses[0], old[0]);
   EXPECT_EQ(after[15118], 255);
   EXPECT_EQ(after[15419], 1);
   // Steps 2 and 3 belong to older revisions.
   EXPECT_EQ(0, std::memcmp(after.data() + 1, before.data() + 1, 61));
   EXPECT_EQ(0, std::memcmp(after.data() + 15793, before.data() + 15793, 2));
-}
-
-TEST_F(CfgUpgradeFromRevision6, AkaTableHoldsTheAddressesThemselves) {
-  ApplyRevisionSteps(rec);
   AkaMatchRow expected[kAkaMatchCount] = {};
-  expected[0] = {2, 280, oldList[0]};
-  expected[1] = {1, 0, oldList[3]};
+  expected[0] = {2, 280, old[0]};
+  expected[1] = {1, 0, old[3]};
   expected[2] = {3, 10, NetAddr{}};
   expected[5] = {2, 5, NetAddr{}};
-  expected[19] = {4, 99, oldList[27]};
-  EXPECT_EQ(0, std::memcmp(reinterpret_cast<const std::uint8_t*>(&rec) + 11824, expected,
-                           sizeof expected));
+  expected[19] = {4, 99, old[27]};
+  EXPECT_EQ(0, std::memcmp(after.data() + 11824, expected, sizeof expected));
 }
 
 TEST(CfgUpgrade, FromRevision1EveryStepRuns) {

@@ -119,14 +119,10 @@ TEST_F(FieldsTest, RefusedNumberKeepsTheTypedTextAndTheCursor) {
   EXPECT_EQ(rec_.temp + 0, -50);
   Run(page, "<C-Y>-7<Enter><Esc>");
   EXPECT_EQ(rec_.days + 0, 7);
-}
 
-TEST_F(FieldsTest, EscWritesAnAcceptableValueAndDropsARefusedOne) {
-  EditPage page({Days()});
-  rec_.days = 10;
-  const PageResult r = Run(page, "<C-Y>999<Esc>");
-  EXPECT_EQ(r.key, key::kEsc);
-  EXPECT_EQ(rec_.days + 0, 10);
+  // Esc writes an acceptable value and drops a refused one.
+  EXPECT_EQ(Run(page, "<C-Y>999<Esc>").key, key::kEsc);
+  EXPECT_EQ(rec_.days + 0, 7);
   Run(page, "<C-Y>77<Esc>");
   EXPECT_EQ(rec_.days + 0, 77);
 }
@@ -181,14 +177,14 @@ TEST_F(FieldsTest, Reals) {
   EXPECT_EQ(rec_.rate, 999.99);
 }
 
-TEST_F(FieldsTest, PictureOfTheWrongLengthEndsTheProgram) {
+TEST_F(FieldsTest, DefinitionErrors) {
+  // A string picture of the wrong length ends the program.
   FieldDef code = Field(Str, offsetof(Rec, code), 0, 6);
   code.picture = "!!!";
   vt_.Keys("");
   EXPECT_THROW(EditPage({code}), KeysExhausted);
-  EXPECT_TRUE(OnScreen("Definition-error 01: Picture-length <> String-length"));
-  EXPECT_TRUE(OnScreen("Program aborted"));
-  EXPECT_TRUE(OnScreen(" Ok "));
+  EXPECT_TRUE(OnScreen("Definition-error 01: Picture-length <> String-length") &&
+              OnScreen("Program aborted") && OnScreen(" Ok "));
   vt_.Keys("<Enter>");
   try {
     EditPage page({code});
@@ -196,9 +192,8 @@ TEST_F(FieldsTest, PictureOfTheWrongLengthEndsTheProgram) {
   } catch (const ProgramHalt& h) {
     EXPECT_EQ(h.status, 0);
   }
-}
 
-TEST_F(FieldsTest, RealWithOneDigitBeforeThePeriodIsNeverEdited) {
+  // A real with one digit before the period is refused, and the field is never edited.
   FieldDef rate = Field(Rel, offsetof(Rec, rate), 0);
   rate.picture = "#.##";
   vt_.Keys("");

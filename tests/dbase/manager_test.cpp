@@ -52,6 +52,10 @@ class ManagerTest : public test::VtTest {
     EXPECT_THROW(Run(m, ""), KeysExhausted);
   }
   bool Shown(const std::string& text) const { return vt_.Contains(text); }
+  bool Shows(ManagerOBJ& m, const std::string& keys, const std::string& text) {
+    Stop(m, keys);
+    return Shown(text);
+  }
 
   Bytes Index() const { return dir_.ReadBytes("TEST.IDX"); }
   Bytes Record(int recno) const {
@@ -67,14 +71,13 @@ class ManagerTest : public test::VtTest {
 
 TEST_F(ManagerTest, EmptyListAsksToAddNoLeavesAndDeletingTheLastEntryAsksAgain) {
   auto m = Make();
-  Stop(*m, "");
-  EXPECT_TRUE(Shown("There are currently no entries") && Shown("Would you like to add one?"));
+  EXPECT_TRUE(Shows(*m, "", "There are currently no entries") &&
+              Shown("Would you like to add one?"));
   Run(*m, "<Tab><Enter>");  // "No" is the second button
   EXPECT_EQ(Records(), 0u);
   EXPECT_TRUE(dir_.Has("TEST.IDX"));
   Seed({"ALPHA"});
-  Stop(*m, "<Del><Tab><Enter>");
-  EXPECT_TRUE(Shown("Would you like to add one?"));
+  EXPECT_TRUE(Shows(*m, "<Del><Tab><Enter>", "Would you like to add one?"));
   EXPECT_TRUE(Index().empty());
 }
 
@@ -97,10 +100,8 @@ TEST_F(ManagerTest, AddShowsItsTitleAndSavesOnlyWhatWasTypedAndConfirmed) {
   Seed({"BRAVO"});
   auto m = Make();
   Run(*m, "<Ins><Esc><Esc>");  // nothing typed: nothing asked or added
-  Stop(*m, "<Ins>X");
-  EXPECT_TRUE(Shown("Adding new entry"));
-  Stop(*m, "<Ins>X<Esc>");
-  EXPECT_TRUE(Shown("Save changes?"));
+  EXPECT_TRUE(Shows(*m, "<Ins>X", "Adding new entry"));
+  EXPECT_TRUE(Shows(*m, "<Ins>X<Esc>", "Save changes?"));
   Run(*m, "<Ins>X<Esc><Tab><Enter><Esc>");  // No to "Save changes?"
   EXPECT_EQ(Records(), 1u);
 }
@@ -109,8 +110,8 @@ TEST_F(ManagerTest, EditRewritesInPlaceAndResorts) {
   Seed({"ALPHA", "BETA", "BRAVO"});
   auto m = Make();
   // Right to BETA, Enter, clear the tag and type CHARLIE, save.
-  Stop(*m, "<Right><Enter><C-Y>CHARLIE<Esc><Enter>");
-  EXPECT_TRUE(Shown("3/3")) << "the edited entry stays the current one";
+  EXPECT_TRUE(Shows(*m, "<Right><Enter><C-Y>CHARLIE<Esc><Enter>", "3/3"))
+      << "the edited entry stays the current one";
   EXPECT_EQ(Records(), 3u) << "no record appended";
   EXPECT_EQ(Record(1), L.Rec("CHARLIE", 1, 2));
   EXPECT_EQ(Index(),
@@ -120,10 +121,9 @@ TEST_F(ManagerTest, EditRewritesInPlaceAndResorts) {
 TEST_F(ManagerTest, DeleteAsksNoFirstThenZeroesKeysAndShortensIndexUnlessVetoed) {
   Seed({"ALPHA", "BETA", "BRAVO"});
   auto m = Make();
-  Stop(*m, "<Right><Del>");
-  EXPECT_TRUE(Shown("Delete this entry?"));
-  Stop(*m, "<Right><Del><Enter><Del><Tab><Enter>");
-  EXPECT_TRUE(Shown("BRAVO") && Shown("2/2")) << "the position stays, showing the next entry";
+  EXPECT_TRUE(Shows(*m, "<Right><Del>", "Delete this entry?"));
+  EXPECT_TRUE(Shows(*m, "<Right><Del><Enter><Del><Tab><Enter>", "BRAVO") && Shown("2/2"))
+      << "the position stays, showing the next entry";
   Bytes gone = L.Rec("", 0, 2);
   gone[0] = 0;
   EXPECT_EQ(Record(1), gone) << "key bytes zeroed, payload left";
@@ -138,8 +138,7 @@ TEST_F(ManagerTest, DuplicateIsRefusedAndTypedValuesStay) {
   auto m = Make();
   // Add ALPHA/1 again with payload 9: refused; the form comes back with the typed values, the
   // kind is changed to 2 and the save goes through.
-  Stop(*m, "<Ins>ALPHA<Tab>1<Esc><Enter>");
-  EXPECT_TRUE(Shown("Duplicate entry"));
+  EXPECT_TRUE(Shows(*m, "<Ins>ALPHA<Tab>1<Esc><Enter>", "Duplicate entry"));
   Run(*m, "<Ins>ALPHA<Tab>1<Tab>9<Esc><Enter><Enter><Tab><C-Y>2<Esc><Enter><Esc>");
   EXPECT_EQ(Record(1), L.Rec("ALPHA", 2, 9));
   EXPECT_EQ(Records(), 2u);
@@ -166,8 +165,7 @@ TEST_F(ManagerTest, LimitRefusesInsAndCopyButAllowsEditAndDelete) {
   auto m = Make();
   m->max_entries = 2;
   for (const char* key : {"<Ins>", "<F6>"}) {
-    Stop(*m, key);
-    EXPECT_TRUE(Shown("You can not enter more than 2 entries")) << key;
+    EXPECT_TRUE(Shows(*m, key, "You can not enter more than 2 entries")) << key;
   }
   Run(*m, "<Ins><Enter><F6><Enter><Enter><End>X<Esc><Enter><Del><Tab><Enter><Esc>");
   EXPECT_EQ(Records(), 2u);
@@ -203,8 +201,7 @@ TEST_F(ManagerTest, MovingJumpingAndFinding) {
   for (const auto& c : cases) {
     auto m = Make();
     m->searchable = c.searchable;
-    Stop(*m, c.keys);
-    EXPECT_TRUE(Shown(c.shown)) << c.keys;
+    EXPECT_TRUE(Shows(*m, c.keys, c.shown)) << c.keys;
   }
   auto m = Make();
   m->searchable = false;
@@ -215,15 +212,13 @@ TEST_F(ManagerTest, MovingJumpingAndFinding) {
 TEST_F(ManagerTest, HelpLineAndBrowseFollowWhatTheEditorOffers) {
   Seed({"ALPHA"});
   auto m = Make();
-  Stop(*m, "");
-  EXPECT_TRUE(Shown("Enter-edit Insert Delete F4-find F5-browse F6-copy"));
+  EXPECT_TRUE(Shows(*m, "", "Enter-edit Insert Delete F4-find F5-browse F6-copy"));
   // Without a companion file there is no browse.
   m->global_edit = [](std::uint8_t*) { return true; };
   vt_.Keys("<F5><F2>");
   EXPECT_THROW(m->Run(nullptr), KeysExhausted);
   EXPECT_FALSE(Shown("View") || Shown("F5-browse"));
-  Stop(*m, "<F2><Esc>");
-  EXPECT_TRUE(Shown("Process changes ?"));
+  EXPECT_TRUE(Shows(*m, "<F2><Esc>", "Process changes ?"));
   // An editor without fields offers neither edit, insert nor delete.
   ManagerOBJ bare(dir_.path(), "TEST", L.size, 5, 6, 60, 12, "T");
   bare.AddKey("tag", Str, 0, 21);
@@ -248,8 +243,7 @@ TEST_F(ManagerTest, BrowsePicksAnEntryAndReadsOnlyShownRows) {
     ++cells;
     return column == 0 ? std::string(reinterpret_cast<const char*>(rec + 1), rec[0]) : "";
   };
-  Stop(*m, "<F5><Down><Down><Enter>");
-  EXPECT_TRUE(Shown("3/1000"));
+  EXPECT_TRUE(Shows(*m, "<F5><Down><Down><Enter>", "3/1000"));
   EXPECT_LT(cells, 2 * 40) << "only the rows on screen are built";
   EXPECT_GT(cells, 0);
 }
@@ -278,8 +272,7 @@ TEST_F(ManagerTest, GlobalChangeAppliesToMarkedOrFilteredEntriesAndCounts) {
   EXPECT_EQ(Record(3), L.Rec("DELTA", 1, 3));
   // A mark filter (F3) marks the entries that pass it.
   m->mark_filter = [] { return [](const std::uint8_t* rec) { return rec[1] == 'B'; }; };
-  Stop(*m, "<F2>");
-  EXPECT_TRUE(Shown("F3-filter"));
+  EXPECT_TRUE(Shows(*m, "<F2>", "F3-filter"));
   seen.clear();
   Run(*m, "<F2><F3><Esc><Enter><Esc>");
   EXPECT_EQ(seen, (std::vector<std::string>{"BETA", "BRAVO"}));
@@ -303,12 +296,10 @@ TEST_F(ManagerTest, StartModes) {
   m->Run(nullptr);
   EXPECT_EQ(Record(1), L.Rec("BRAVO", 1, 9));
   m->start_record = L.Rec("NOPE", 1);
-  Stop(*m, "");
-  EXPECT_TRUE(Shown("Unable to find entry"));
+  EXPECT_TRUE(Shows(*m, "", "Unable to find entry"));
   m->start_mode = ManagerOBJ::StartMode::kAdd;
   m->max_entries = 2;
-  Stop(*m, "");
-  EXPECT_TRUE(Shown("You can not enter more than 2 entries"));
+  EXPECT_TRUE(Shows(*m, "", "You can not enter more than 2 entries"));
 }
 
 TEST_F(ManagerTest, CompanionStaysInStepWithTheIndex) {

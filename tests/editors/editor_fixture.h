@@ -39,6 +39,11 @@ class EditorTest : public VtTest {
     EXPECT_THROW(editor(ctx_), KeysExhausted) << keys;
   }
   bool Shown(const std::string& text) const { return vt_.Contains(text); }
+  // Stops the editor on `keys` and tells whether `text` was on the screen then.
+  bool Shows(Editor editor, const std::string& keys, const std::string& text) {
+    Stop(editor, keys);
+    return Shown(text);
+  }
   bool StatusHas(const std::string& text) const {
     return vt_.Row(25).find(text) != std::string::npos;
   }

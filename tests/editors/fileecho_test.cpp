@@ -51,6 +51,9 @@ class FileechoTest : public test::EditorTest {
   // Runs the manager on a script that leaves it, or until the script runs out.
   void Leave(const std::string& keys) { EditorTest::Run(RunFileechoManager, keys); }
   void Stop(const std::string& keys) { EditorTest::Stop(RunFileechoManager, keys); }
+  bool Shows(const std::string& keys, const std::string& text) {
+    return EditorTest::Shows(RunFileechoManager, keys, text);
+  }
   // Runs the manager until the key script is used up or the manager is left.
   void Run(const std::string& keys) {
     vt_.Keys(keys);
@@ -106,13 +109,12 @@ TEST_F(FileechoTest, FileDatabaseRowOnlyForABbsWithItsOwnDatabase) {
 
 TEST_F(FileechoTest, SavingChecksTagThenDestinationAndReturnsToTheField) {
   // No tag: the message, then the cursor on the tag.
-  Stop(std::string(kAdd) + "<Down>Desc" + kSave);
-  EXPECT_TRUE(Shown("You must specify a fileecho name"));
+  EXPECT_TRUE(Shows(std::string(kAdd) + "<Down>Desc" + kSave, "You must specify a fileecho name"));
   Stop(std::string(kAdd) + "<Down>Desc" + kSave + "<Enter>");
   EXPECT_TRUE(StatusHas("Fileecho tag"));
   // A tag but no destination: the cursor on "Dest".
-  Stop(std::string(kAdd) + "ONE" + kSave);
-  EXPECT_TRUE(Shown("You must specify a valid destination directory"));
+  EXPECT_TRUE(
+      Shows(std::string(kAdd) + "ONE" + kSave, "You must specify a valid destination directory"));
   Stop(std::string(kAdd) + "ONE" + kSave + "<Enter>");
   EXPECT_TRUE(StatusHas("Destination directory") && StatusHas("F6-list of BBS file areas"));
   EXPECT_EQ(Records(), 0u);
@@ -132,10 +134,8 @@ TEST_F(FileechoTest, WarningsDoNotStopTheSave) {
   // warning after the other, then the save.
   const std::string keys =
       "<Ins>TWO<Down><Down>" + dir_ / "elsewhere" + "<Enter><Down><Space>" + kSave;
-  Stop(keys);
-  EXPECT_TRUE(Shown("Could not find destination directory") && Shown("in filearea database"));
-  Stop(keys + "<Enter>");
-  EXPECT_TRUE(Shown("This destination directory is also") &&
+  EXPECT_TRUE(Shows(keys, "Could not find destination directory") && Shown("in filearea database"));
+  EXPECT_TRUE(Shows(keys + "<Enter>", "This destination directory is also") &&
               Shown("used in at least one other fileecho"));
   Leave(keys + "<Enter><Enter><Esc>");
   ASSERT_EQ(Records(), 2u);
@@ -156,10 +156,8 @@ TEST_F(FileechoTest, ChangedDestinationMovesTheListedFiles) {
   // Editing without touching the destination asks nothing.
   Leave("<Enter><Down>Other" + std::string(kSave) + "<Esc>");
   const std::string keys = "<Enter><Down><Down>" + dir_ / "new" + kSave;
-  Stop(keys);
-  EXPECT_TRUE(Shown("Would you like to move the files to") && Shown("the new location?"));
-  Stop(keys + "<Enter>");
-  EXPECT_TRUE(Shown("Moved 2 file(s)."));
+  EXPECT_TRUE(Shows(keys, "Would you like to move the files to") && Shown("the new location?"));
+  EXPECT_TRUE(Shows(keys + "<Enter>", "Moved 2 file(s)."));
   EXPECT_TRUE(Shown("Only files in listed in the File database have been moved."));
   EXPECT_TRUE(Shown("The other files and the old File database have not been deleted."));
   EXPECT_TRUE(dir_.Has("new/a.zip") && dir_.Has("new/b.zip"));
@@ -227,14 +225,13 @@ TEST_F(FileechoTest, DeleteRemovesHatchAndMagicEntriesOnlyOnYes) {
     for (int i = 0; i < hatch.Count(); ++i) two += hatch.ReadRecord(i, h) && h.area.str() == "TWO";
     return std::tuple(hatch.Count() + 0, magic.Count() + 0, two);
   };
-  Stop("<Del><Tab><Enter>");
-  EXPECT_TRUE(Shown("Delete hatch and magic filename entries") && Shown("for this fileecho?"));
+  EXPECT_TRUE(Shows("<Del><Tab><Enter>", "Delete hatch and magic filename entries") &&
+              Shown("for this fileecho?"));
   // "Delete this entry?" Yes, then No to the hatch and magic question.
   Stop("<Del><Tab><Enter><Tab><Enter>");
   EXPECT_EQ(counts(), std::tuple(3, 3, 1));
   // TWO is left; deleting it with Yes takes its entries along.
-  Stop("<Del><Tab><Enter><Enter>");
-  EXPECT_TRUE(Shown("Removed 2 hatch and magicfile name entries"));
+  EXPECT_TRUE(Shows("<Del><Tab><Enter><Enter>", "Removed 2 hatch and magicfile name entries"));
   EXPECT_EQ(counts(), std::tuple(2, 2, 0));
 }
 TEST_F(FileechoTest, ConnectedSystemsAreAddedEditedAndRemoved) {
@@ -245,10 +242,9 @@ TEST_F(FileechoTest, ConnectedSystemsAreAddedEditedAndRemoved) {
                             Downs(4) +               // Send off, Pause on
                             "<Space><Esc>" +         // Msg status None
                             "<Ins>1:1/1<Esc><Ins>";  // the list is full
-  Stop(to_systems + "<Ins>2:280/1<Esc><Ins>2:280/1<Esc>");
-  EXPECT_TRUE(Shown("This system is already connected to this fileecho"));
-  Stop(three);
-  EXPECT_TRUE(Shown("There is no room for more systems in this fileecho"));
+  EXPECT_TRUE(Shows(to_systems + "<Ins>2:280/1<Esc><Ins>2:280/1<Esc>",
+                    "This system is already connected to this fileecho"));
+  EXPECT_TRUE(Shows(three, "There is no room for more systems in this fileecho"));
   EXPECT_EQ(Records(), 1u);
   EXPECT_FALSE(Rec(0).systems[0].address.IsSet()) << "nothing saved yet";
   Leave(three + "<Enter><Home><Del><Tab><Enter><Esc>" + kSave + "<Esc>");
@@ -277,8 +273,7 @@ class FileechoGlobalTest : public FileechoTest {
 };
 
 TEST_F(FileechoGlobalTest, SwitchCountsOnlyChangedRecords) {
-  Stop("<F2><F3>");
-  EXPECT_TRUE(Shown("Groups to include in search"));
+  EXPECT_TRUE(Shows("<F2><F3>", "Groups to include in search"));
   Stop(MarkGroupOne() + Downs(10) + "<Enter>");  // Visible
   EXPECT_TRUE(Shown("Toggle option to"));
   Stop(MarkGroupOne() + Downs(10) + "<Enter><Enter>");  // Yes
@@ -286,51 +281,53 @@ TEST_F(FileechoGlobalTest, SwitchCountsOnlyChangedRecords) {
   EXPECT_EQ(Rec(2).options & kFeVisible, kFeVisible);
   EXPECT_EQ(Rec(1).options + 0, 0) << "B not marked";
   // Tiny SB is reported by its log name; No clears it.
-  Stop(MarkGroupOne() + Downs(11) + "<Enter><Tab><Enter>");
-  EXPECT_TRUE(Shown("Changed the TinySB fields for 0 records"));
+  EXPECT_TRUE(Shows(MarkGroupOne() + Downs(11) + "<Enter><Tab><Enter>",
+                    "Changed the TinySB fields for 0 records"));
   // Add FILE_ID "Always" sets both bits.
-  Stop(MarkGroupOne() + Downs(7) + "<Enter><Tab><Tab><Enter>");
-  EXPECT_TRUE(Shown("Changed the Add FILE_ID fields for 2 records"));
+  EXPECT_TRUE(Shows(MarkGroupOne() + Downs(7) + "<Enter><Tab><Tab><Enter>",
+                    "Changed the Add FILE_ID fields for 2 records"));
   EXPECT_EQ(Rec(0).options2 & kFe2AddFileIdAlways, kFe2AddFileIdAlways);
   EXPECT_EQ(Rec(2).options & kFeAddFileId, kFeAddFileId);
   // Convert: the archiver chosen from the list.
-  Stop(MarkGroupOne() + "<Enter><Down><Down><Down><Down><Down><Enter>");
-  EXPECT_TRUE(Shown("Changed the Convert fields for 2 records"));
+  EXPECT_TRUE(Shows(MarkGroupOne() + "<Enter><Down><Down><Down><Down><Down><Enter>",
+                    "Changed the Convert fields for 2 records"));
   EXPECT_EQ(Rec(0).convert + 0, 5);
   EXPECT_EQ(Rec(1).convert + 0, 0);
 }
 
 TEST_F(FileechoGlobalTest, SystemOperations) {
   // Add: C has no room left after it (3 slots, two used): it still fits; B is not marked.
-  Stop(MarkGroupOne() + "<End><Up><Up><Up><Enter>2:280/9<Esc>");
-  EXPECT_TRUE(Shown("Added 2:280/9 to 2 records"));
+  EXPECT_TRUE(
+      Shows(MarkGroupOne() + "<End><Up><Up><Up><Enter>2:280/9<Esc>", "Added 2:280/9 to 2 records"));
   EXPECT_EQ(Rec(2).systems[2].address, (NetAddr{2, 280, 9, 0}));
   EXPECT_EQ(Rec(2).systems[2].flags + 0, fileecho::kNewSystemFlags);
-  Stop(MarkGroupOne() + "<End><Up><Up><Up><Enter>2:280/10<Esc>");
-  EXPECT_TRUE(Shown("Added 2:280/10 to 1 records")) << "C is full";
+  EXPECT_TRUE(Shows(MarkGroupOne() + "<End><Up><Up><Up><Enter>2:280/10<Esc>",
+                    "Added 2:280/10 to 1 records"))
+      << "C is full";
   // Replace 2:280/7 (only C has it).
-  Stop(MarkGroupOne() + "<End><Up><Enter>2:280/7<Esc>3:3/3<Esc>");
-  EXPECT_TRUE(Shown("Replaced 2:280/7 with 3:3/3 in 1 records"));
+  EXPECT_TRUE(Shows(MarkGroupOne() + "<End><Up><Enter>2:280/7<Esc>3:3/3<Esc>",
+                    "Replaced 2:280/7 with 3:3/3 in 1 records"));
   EXPECT_EQ(Rec(2).systems[0].address, (NetAddr{3, 3, 3, 0}));
   // Remove 2:280/9: the slots close up.
-  Stop(MarkGroupOne() + "<End><Up><Up><Enter>2:280/9<Esc>");
-  EXPECT_TRUE(Shown("Removed 2:280/9 from 2 records"));
+  EXPECT_TRUE(
+      Shows(MarkGroupOne() + "<End><Up><Up><Enter>2:280/9<Esc>", "Removed 2:280/9 from 2 records"));
   EXPECT_EQ(Rec(0).systems[1].address, (NetAddr{2, 280, 10, 0}));
   EXPECT_FALSE(Rec(2).systems[2].address.IsSet());
 }
 
 TEST_F(FileechoGlobalTest, ChangeStatusTouchesOnlyTheChosenBits) {
   // Pause Yes, Msg status Hold; the rest "<do not change>".
-  Stop(MarkGroupOne() + "<End><Enter>2:280/1<Esc>" + "<Down><Space><Space>" + Downs(4) +
-       "<Space><Space><Space><Esc>");
-  EXPECT_TRUE(Shown("Changed status for 2:280/1 in 1 records")) << "C had these already";
+  EXPECT_TRUE(Shows(MarkGroupOne() + "<End><Enter>2:280/1<Esc>" + "<Down><Space><Space>" +
+                        Downs(4) + "<Space><Space><Space><Esc>",
+                    "Changed status for 2:280/1 in 1 records"))
+      << "C had these already";
   EXPECT_EQ(Rec(0).systems[0].flags + 0,
             kSysSendFiles | kSysReceiveFiles | kSysPause | (msHold << kSysStatusShift));
   EXPECT_EQ(Rec(1).systems[0].flags + 0, kSysSendFiles) << "B not marked";
   EXPECT_EQ(Rec(2).systems[1].flags + 0, kSysSendFiles | kSysPause | (msHold << kSysStatusShift));
   // Send files No alone keeps the status and the other switches.
-  Stop(MarkGroupOne() + "<End><Enter>2:280/1<Esc><Space><Esc>");
-  EXPECT_TRUE(Shown("Changed status for 2:280/1 in 2 records"));
+  EXPECT_TRUE(Shows(MarkGroupOne() + "<End><Enter>2:280/1<Esc><Space><Esc>",
+                    "Changed status for 2:280/1 in 2 records"));
   EXPECT_EQ(Rec(0).systems[0].flags + 0,
             kSysReceiveFiles | kSysPause | (msHold << kSysStatusShift));
 }

@@ -104,6 +104,9 @@ class NodeTest : public test::EditorTest {
   }
   void Run(const std::string& keys) { EditorTest::Run(RunNodeManager, keys); }
   void Stop(const std::string& keys) { EditorTest::Stop(RunNodeManager, keys); }
+  bool Shows(const std::string& keys, const std::string& text) {
+    return EditorTest::Shows(RunNodeManager, keys, text);
+  }
   // Where the node (or the address it got) is still named: only the deleted fileecho, which is
   // not visited, keeps it.
   void ExpectOnlyTheDeletedFileechoNames(NetAddr a) {
@@ -161,8 +164,7 @@ TEST_F(NodeTest, RefusalsPutTheCursorOnTheField) {
       {"<Enter><Down>Joe<Esc><Enter>", "A system address must be specified", "System address", 4},
       {"<Enter>2:280/1<Esc><Enter>", "A sysop name must be specified", "System Operator", 5}};
   for (const auto& c : cases) {
-    Stop(c.keys);
-    EXPECT_TRUE(Shown(c.message)) << c.keys;
+    EXPECT_TRUE(Shows(c.keys, c.message)) << c.keys;
     Stop(std::string(c.keys) + "<Enter>");
     EXPECT_TRUE(StatusHas(c.status)) << c.keys;
     EXPECT_EQ(vt_.cursor_row(), c.row);
@@ -172,11 +174,9 @@ TEST_F(NodeTest, RefusalsPutTheCursorOnTheField) {
 
 TEST_F(NodeTest, BillingWithoutADayOpensCostSharingOnSendOn) {
   const std::string add = "<Enter>2:280/1<Enter>Joe<PgDn><Enter>Y<Esc><Esc><Enter>";
-  Stop(add);
-  EXPECT_TRUE(Shown("You must define the day that bills should") &&
+  EXPECT_TRUE(Shows(add, "You must define the day that bills should") &&
               Shown("be sent. Accepted values are 1-28"));
-  Stop(add + "<Enter>");
-  EXPECT_TRUE(Shown("Cost sharing options"));
+  EXPECT_TRUE(Shows(add + "<Enter>", "Cost sharing options"));
   EXPECT_TRUE(StatusHas("Day of week/month or month of year"));
   // The day typed there, the edit page goes on from "Cost sharing options", and saves.
   Stop(add + "<Enter>15<Esc>");
@@ -207,8 +207,7 @@ TEST_F(NodeTest, DefaultsPageAndANewSystemStartingFromIt) {
   EXPECT_EQ(defaults_.options + 0, kNodeIncludeTemplate | kNodeSendNotifyList | kNodeAllowAutoAdd);
   EXPECT_EQ(defaults_.compression + 0, 6);
   EXPECT_EQ(dir_.Read("NODEFILE.KSX"), before) << "F3 leaves the shown system alone";
-  Stop("<F3><PgDn>");
-  EXPECT_TRUE(Shown("Edit defaults") && Shown("RAR"));
+  EXPECT_TRUE(Shows("<F3><PgDn>", "Edit defaults") && Shown("RAR"));
   EXPECT_TRUE(StatusHas("Type of compression to use for packing TIC files and arcmail"));
 
   Run("<Ins>2:280/77<Enter>New<Esc><Enter><Esc>");  // the defaults as they are now
@@ -231,8 +230,9 @@ TEST_F(NodeTest, GlobalEditCountsAndGroupLimit) {
   both.groups.Add(2);
   AddNodes({MakeNode({2, 280, 1, 0}, "One"), MakeNode({2, 280, 2, 0}, "Two", 2), both});
   // All marked; "Inactive" on for the systems of group 1.
-  Stop("<F2><F2><Esc><Enter><Down><Down><Down><Down><Enter><Enter><Enter><Space><Esc><Enter>");
-  EXPECT_TRUE(Shown("Toggled the Inactive field for 2 records"));
+  EXPECT_TRUE(
+      Shows("<F2><F2><Esc><Enter><Down><Down><Down><Down><Enter><Enter><Enter><Space><Esc><Enter>",
+            "Toggled the Inactive field for 2 records"));
   EXPECT_TRUE(Node(0).Has(kNodeInactive));
   EXPECT_FALSE(Node(1).Has(kNodeInactive)) << "not in group 1";
   EXPECT_TRUE(Node(2).Has(kNodeInactive));
@@ -241,8 +241,9 @@ TEST_F(NodeTest, GlobalEditCountsAndGroupLimit) {
   NodeMGRrec first = Node(0);
   ASSERT_TRUE(ApplyNodeChange(change, first));
   EXPECT_FALSE(ApplyNodeChange(change, first));
-  Stop("<F2><F2><Esc><Enter><Down><Down><Down><Enter><Down><Down><Enter><Tab><Enter><Enter>");
-  EXPECT_TRUE(Shown("Changed the Pack mode field for 3 records"));
+  EXPECT_TRUE(
+      Shows("<F2><F2><Esc><Enter><Down><Down><Down><Enter><Down><Down><Enter><Tab><Enter><Enter>",
+            "Changed the Pack mode field for 3 records"));
   for (int i = 0; i < 3; ++i) EXPECT_EQ(Node(i).packMode + 0, pmAllFiles);
   // "No" to "Process changes?" after choosing "Hold" for the file attach status changes nothing.
   const std::string before = dir_.Read("NODEFILE.KSX");
@@ -320,8 +321,7 @@ TEST_F(NodeTest, ChangedAddressIsReplacedOnYesOnly) {
   EXPECT_EQ(Node(0).sysop.str(), "Bob");
   // Back to the old address, then to the new one with Yes.
   Run("<Enter>2:280/10<Esc><Enter><Tab><Enter><Esc>");
-  Stop("<Enter>2:280/99<Esc><Enter><Enter>");
-  EXPECT_TRUE(Shown("Replaced node in 6 place(s)"));
+  EXPECT_TRUE(Shows("<Enter>2:280/99<Esc><Enter><Enter>", "Replaced node in 6 place(s)"));
   // The run was cut short before the save: once more from the start, to the end.
   Write(s);
   Run("<Enter>2:280/99<Esc><Enter><Enter><Enter><Esc>");
@@ -337,8 +337,7 @@ TEST_F(NodeTest, DeletedSystemIsRemovedOnYesOnly) {
   ExpectFiles(s);
   EXPECT_EQ(dir_.Read("NODEFILE.IDX").size(), sizeof(NodeMGRidx));
   AddNodes({MakeNode(kNode, "Joe")});
-  Stop("<Del><Tab><Enter><Enter>");
-  EXPECT_TRUE(Shown("Removed node in 6 place(s)"));
+  EXPECT_TRUE(Shows("<Del><Tab><Enter><Enter>", "Removed node in 6 place(s)"));
   ExpectOnlyTheDeletedFileechoNames(kNode);
 }
 

@@ -6,10 +6,12 @@
 // its index. For each kill a fresh copy of it is worked on by `ksetup Index`, `ksetup Pack` or a
 // list edit in tmux (the tag of the first fileecho changed so that its entry moves to the end,
 // or the first fileecho deleted) under strace, which kills the program with SIGKILL at one
-// call of pwrite64, ftruncate, fsync, rename or unlink chosen at random among the calls that an
-// uninterrupted run makes. Afterwards every fileecho must be in FAREAS.KSX exactly once and
-// whole (the one being edited in its old or its new state), the index must still refer to
-// each of them, and `Pack` (after Index, when the kill hit a pack) must keep them all.
+// call of pwrite64, ftruncate, fsync, rename or unlink among the calls that an uninterrupted
+// run makes (each call once, in random order). Index and Pack make few calls, each writing a
+// whole file, so the kills beyond those fall at random moments of the run (timeout -s KILL).
+// Afterwards every fileecho must be in FAREAS.KSX exactly once and whole (the one being
+// edited in its old or its new state), the index must still refer to each of them, and
+// `Pack` (straight after a killed Index, after an Index otherwise) must keep them all.
 //
 // Exit status 0 when every kill passed, 1 on the first failure, 77 when strace or script is
 // missing.
@@ -132,12 +134,15 @@ std::string Tmux(const std::string& args) {
   return out;
 }
 
-// Runs ksetup on `dir` (under strace with `strace_args`) to its end or its kill. True when it
-// ended by itself.
-bool RunKsetup(Op op, const std::string& dir, const std::string& strace_args) {
+// Runs ksetup on `dir` to its end or its kill. `kill` is "" (no kill), strace options ("-e
+// inject=..."), or "@" and a time in seconds after which it is killed. True when it ended by
+// itself.
+bool RunKsetup(Op op, const std::string& dir, const std::string& kill) {
   // The paths come from mkdtemp and the command line: no quotes are needed inside the command.
   const std::string env = "env KESTRA=" + dir + " TERM=xterm LC_ALL=C.UTF-8 ";
-  const std::string traced = "strace -f -o /dev/null " + strace_args + " " + env + g_ksetup;
+  const std::string traced = kill.starts_with("@")
+                                 ? "timeout -s KILL " + kill.substr(1) + " " + env + g_ksetup
+                                 : "strace -f -o /dev/null " + kill + " " + env + g_ksetup;
   if (op == Op::kIndex || op == Op::kPack)
     return Run("script -qec " +
                Quote("stty rows 25 cols 80; exec timeout -s KILL 60 " + traced +
@@ -166,11 +171,19 @@ bool RunKsetup(Op op, const std::string& dir, const std::string& strace_args) {
   return ReadFile(status) == "0\n";
 }
 
-// The calls an uninterrupted run makes, as "name:ordinal" strings for strace's inject.
-std::vector<std::string> KillPoints(Op op, const std::string& base) {
-  const std::string dir = g_work + "record/";
+// A fresh copy of the base directory.
+std::string Fresh(const std::string& base, const std::string& name) {
+  const std::string dir = g_work + name + "/";
   fs::remove_all(dir);
   fs::copy(base, dir);
+  return dir;
+}
+
+// The calls an uninterrupted run makes, as strace options that kill the program at one of
+// them, each call once (shuffled); then, up to `runs`, kills at random times of the run.
+std::vector<std::string> KillPoints(Op op, const std::string& base, std::size_t runs,
+                                    std::mt19937& random) {
+  const std::string dir = Fresh(base, "record");
   const std::string trace = g_work + "trace";
   RunKsetup(op, dir, "-o " + trace + " -e trace=pwrite64,ftruncate,fsync,rename,unlink");
   std::map<std::string, int> seen;
@@ -182,8 +195,20 @@ std::vector<std::string> KillPoints(Op op, const std::string& base) {
     words >> pid >> call;
     const std::string name = call.substr(0, call.find('('));
     if (call.find('(') != std::string::npos)
-      points.push_back(name + ":" + std::to_string(++seen[name]));
+      points.push_back("-e inject=" + name + ":signal=KILL:when=" + std::to_string(++seen[name]));
   }
+  std::shuffle(points.begin(), points.end(), random);
+  if (points.size() >= runs || (op != Op::kIndex && op != Op::kPack)) {
+    points.resize(std::min(points.size(), runs));
+    return points;
+  }
+  // The batch commands make few calls, each writing a whole file: the other kills fall at
+  // random moments of an untraced run, inside those writes too.
+  const auto start = std::chrono::steady_clock::now();
+  RunKsetup(op, Fresh(base, "record"), "");
+  const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+  std::uniform_real_distribution<double> at(0.0, took.count() * 1.2);
+  while (points.size() < runs) points.push_back("@" + std::to_string(at(random)));
   return points;
 }
 
@@ -268,22 +293,17 @@ int main(int argc, char** argv) {
   const char* names[] = {"Index", "Pack", "edit", "delete"};
   int failures = 0, ended = 0;
   for (Op op : ops) {
-    const std::vector<std::string> points = KillPoints(op, base);
     // The batch commands take a fraction of a list edit's time in tmux: they get more kills.
     const bool batch = op == Op::kIndex || op == Op::kPack;
     const int runs = tmux ? kills * (batch ? 4 : 1) / 10 : kills / 2;
-    // Each call at most once: all of them when there are no more than the runs.
-    std::vector<std::string> chosen = points;
-    std::shuffle(chosen.begin(), chosen.end(), random);
-    chosen.resize(std::min<std::size_t>(chosen.size(), static_cast<std::size_t>(runs)));
-    for (const std::string& point : chosen) {
+    const std::vector<std::string> points =
+        KillPoints(op, base, static_cast<std::size_t>(runs), random);
+    int timed = 0;
+    for (const std::string& point : points) {
       if (failures) break;
-      const std::string dir = g_work + "run/";
-      fs::remove_all(dir);
-      fs::copy(base, dir);
-      const std::string name = point.substr(0, point.find(':'));
-      const std::string when = point.substr(point.find(':') + 1);
-      ended += RunKsetup(op, dir, "-e inject=" + name + ":signal=KILL:when=" + when);
+      timed += point.starts_with("@");
+      const std::string dir = Fresh(base, "run");
+      ended += RunKsetup(op, dir, point);
       const std::string edited = op == Op::kMove || op == Op::kDelete ? first : "";
       // What the kill left, then a pack of it (straight after a killed Index, else after an Index).
       bool ok = Check(dir, live, edited, op, false);
@@ -296,7 +316,8 @@ int main(int argc, char** argv) {
         ++failures;
       }
     }
-    std::printf("%s: %zu kills over %zu calls\n", names[int(op)], chosen.size(), points.size());
+    std::printf("%s: %zu kills, %zu at a system call, %d at a random moment\n", names[int(op)],
+                points.size(), points.size() - timed, timed);
   }
   std::printf("%d of the runs ended before their kill point\n", ended);
   if (!failures) fs::remove_all(g_work);

@@ -239,5 +239,15 @@ TEST_F(AppTest, SpeechFriendlyKeepsTheCursorOnTheHighlight) {
   EXPECT_EQ(vt_->cursor_shape(), CursorShape::kUnderline);
 }
 
+// The fatal-report test of the build checks the first and the last line; the middle one names
+// the program's directory.
+TEST(FatalReport, NamesTheExceptionClassAndTheDirectories) {
+  const auto lines = FatalReport(std::runtime_error("boom"));
+  ASSERT_EQ(lines.size(), 3u);
+  EXPECT_EQ(lines[0], "FATAL Exception: std::runtime_error: boom");
+  EXPECT_EQ(lines[1].rfind("ExePath = ", 0), 0u);
+  EXPECT_EQ(lines[2], "SetupFileName = setup.ksx");
+}
+
 }  // namespace
 }  // namespace ks

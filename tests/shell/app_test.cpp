@@ -1,6 +1,7 @@
 // The program from start to end through key scripts: start-up, the setup file questions, the
 // main menu tree, the exit path and what lands on disk.
 #include <filesystem>
+#include <tuple>
 
 #include "app_fixture.h"
 #include "common/fileutil.h"
@@ -42,6 +43,8 @@ TEST_F(AppTest, FirstStartCreatesTheSetupFileAfterAskingAndNoCreatesNothing) {
   // invoice number and the colour set of a new file.
   const KESTRAcfg rec = ReadSetup();
   EXPECT_EQ(rec.revision, 18);
+  EXPECT_EQ(std::tuple(ByteAt(rec, 9441), ByteAt(rec, 9442), ByteAt(rec, 9443)),
+            std::tuple(6, 1, 7));  // the version
   EXPECT_EQ(ByteAt(rec, 14887) + ByteAt(rec, 14888) + ByteAt(rec, 14889), 3);
   EXPECT_NE(ByteAt(rec, 15118), 0);
   EXPECT_NE(rec.nextInvoice, 0u);

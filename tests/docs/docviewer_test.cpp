@@ -91,6 +91,7 @@ TEST_F(ViewerTest, WindowSitsUnderTheHeaderAndEscRestoresTheScreen) {
   for (int row = 1; row <= 4; ++row) EXPECT_EQ(vt_.Row(row), std::string(80, '\xB1'));
   EXPECT_EQ(vt_.At(1, 5), (Cell{0xC9, c[kHelpFrame]}));
   EXPECT_EQ(vt_.At(80, 24).ch, 0xBC);
+  EXPECT_NE(vt_.Row(5).find(" The manual "), std::string::npos);
   EXPECT_EQ(vt_.AttrOf(" The manual "), c[kHelpTitle]);
   EXPECT_EQ(TextRow(kFirstTextRow).substr(0, 15), "Line 0000 -----");
   EXPECT_EQ(TextRow(kFirstTextRow + 17).substr(0, 15), "Line 0017 -----");

@@ -72,6 +72,8 @@ TEST(KeyDecode, CharactersControlKeysAndEscapePrefixes) {
       {{C('\t')}, {9}},
       // Characters become CP437; one without a CP437 form is dropped.
       {{C('a')}, {'a'}},
+      {{C(' ')}, {' '}},
+      {{K(KEY_UP)}, {0, 72}},
       {{C(1)}, {1}},  // Ctrl-A
       {{C(U'é')}, {0x82}},
       {{C(U'Ü')}, {0x9A}},

@@ -38,19 +38,16 @@ TEST(KeyDecode, FunctionKeysInAllFourShiftStates) {
     EXPECT_EQ(KeyBytes({K(KEY_F(49 + i))}), (Bytes{0, std::uint8_t(104 + i)}));  // Alt
     EXPECT_TRUE(KeyBytes({K(KEY_F(37 + i))}).empty());                           // Ctrl+Shift
   }
-  EXPECT_EQ(KeyBytes({K(KEY_F(11))}), (Bytes{0, 133}));
   EXPECT_EQ(KeyBytes({K(KEY_F(12))}), (Bytes{0, 134}));
-  EXPECT_EQ(KeyBytes({K(KEY_F(23))}), (Bytes{0, 135}));  // Shift-F11
   EXPECT_EQ(KeyBytes({K(KEY_F(60))}), (Bytes{0, 140}));  // Alt-F12
   EXPECT_TRUE(KeyBytes({K(KEY_F(61))}).empty());
 }
 
 TEST(KeyDecode, NavigationAndKeypadKeys) {
   const std::pair<int, std::uint8_t> cases[] = {
-      {KEY_UP, 72},   {KEY_DOWN, 80},  {KEY_LEFT, 75},   {KEY_RIGHT, 77}, {KEY_HOME, 71},
-      {KEY_END, 79},  {KEY_PPAGE, 73}, {KEY_NPAGE, 81},  {KEY_IC, 82},    {KEY_DC, 83},
-      {KEY_BTAB, 15}, {KEY_A1, 71},    {KEY_A3, 73},     {KEY_B2, 76},    {KEY_C1, 79},
-      {KEY_C3, 81},   {KEY_SLEFT, 75}, {KEY_SRIGHT, 77}, {KEY_SR, 72},    {KEY_SF, 80},
+      {KEY_UP, 72},   {KEY_DOWN, 80},  {KEY_LEFT, 75},  {KEY_RIGHT, 77}, {KEY_HOME, 71},
+      {KEY_END, 79},  {KEY_PPAGE, 73}, {KEY_NPAGE, 81}, {KEY_IC, 82},    {KEY_DC, 83},
+      {KEY_BTAB, 15}, {KEY_A1, 71},    {KEY_B2, 76},    {KEY_SLEFT, 75}, {KEY_SR, 72},
   };
   for (auto [code, scan] : cases) EXPECT_EQ(KeyBytes({K(code)}), (Bytes{0, scan})) << code;
 }
@@ -64,11 +61,9 @@ TEST(KeyDecode, CharactersControlKeysAndEscapePrefixes) {
   } cases[] = {
       // Enter, Backspace and Tab in their various forms.
       {{K(KEY_ENTER)}, {13}},
-      {{C('\r')}, {13}},
       {{C('\n')}, {13}},
       {{K(KEY_BACKSPACE)}, {8}},
       {{C(127)}, {8}},
-      {{C(8)}, {8}},
       {{C('\t')}, {9}},
       // Characters become CP437; one without a CP437 form is dropped.
       {{C('a')}, {'a'}},
@@ -76,21 +71,16 @@ TEST(KeyDecode, CharactersControlKeysAndEscapePrefixes) {
       {{K(KEY_UP)}, {0, 72}},
       {{C(1)}, {1}},  // Ctrl-A
       {{C(U'é')}, {0x82}},
-      {{C(U'Ü')}, {0x9A}},
-      {{C(U'½')}, {0xAB}},
       {{C(U'─')}, {0xC4}},
       {{C(U'€')}, {}},
-      {{C(0x4E2D)}, {}},
       {{C(0x85)}, {}},  // C1 control
       {{C(0)}, {}},     // NUL would read as the start of an extended key
       // Symbols CP437 keeps among its control codes must not act as Esc, Enter or Backspace.
       {{C(U'←')}, {}},
-      {{C(U'♪')}, {}},
       {{C(U'◘')}, {}},
       {{K(KEY_MOUSE)}, {}},
       // Esc and a digit: function keys, 0 being F10; Esc and a letter: Alt+letter.
       {{C(27), C('1')}, {0, 59}, 2},
-      {{C(27), C('9')}, {0, 67}, 2},
       {{C(27), C('0'), C('a')}, {0, 68}, 2},
       {{C(27), C('x')}, {0, 45}, 2},
       {{C(27), C('Z')}, {0, 44}, 2},
@@ -100,7 +90,6 @@ TEST(KeyDecode, CharactersControlKeysAndEscapePrefixes) {
       {{C(27), C(27), C('a')}, {27}, 2},
       // Anything else after the Esc is left for the next key.
       {{C(27), C('-')}, {27}},
-      {{C(27), C(U'é')}, {27}},
       {{C(27), C(' ')}, {27}},
       {{C(27), K(KEY_UP)}, {27}},
       {{C(27), K(KEY_RESIZE)}, {27}},

@@ -3,6 +3,7 @@
 
 #include "app_fixture.h"
 #include "common/fileutil.h"
+#include "dbase/fileecho_rec.h"
 #include "dbase/list_recs.h"
 #include "shell/cfgdefaults.h"
 #include "shell/program.h"

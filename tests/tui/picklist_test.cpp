@@ -270,26 +270,6 @@ TEST_F(PickSourceTest, PickGroupsEditsTheSetAndShowsItsMarks) {
   EXPECT_EQ(GroupSetText(set), "5,7,20,100,200");
 }
 
-TEST_F(PickSourceTest, FileAreaLists) {
-  vt_.Keys("<Enter>");
-  auto area = PickFileArea(0);
-  ASSERT_TRUE(area);
-  EXPECT_EQ(area->path, "/bbs/files/nodelist");
-  vt_.Keys("<Esc>");
-  EXPECT_FALSE(PickFileArea(12));
-
-  vt_.Keys("<Tab>");
-  EXPECT_THROW(PickFileArea(300), KeysExhausted);
-  EXPECT_TRUE(Shown("  300  Utilities  (/bbs/files/util)"));
-
-  FileAreaSet set;
-  set.Set(12, true);
-  vt_.Keys("<Space><Space><Enter>");
-  EXPECT_TRUE(PickFileAreas(set));
-  EXPECT_FALSE(set.Has(12));
-  EXPECT_TRUE(set.Has(300));
-}
-
 TEST_F(PickSourceTest, NothingDefined) {
   group_source() = nullptr;
   file_area_source() = [] { return std::vector<FileAreaName>{}; };

@@ -44,7 +44,6 @@ class AppTest : public ::testing::Test {
   int Run(std::vector<std::string> args, const std::string& keys) {
     vt_ = std::make_unique<VirtualTerminal>(80, 25);
     vt_->Keys(keys);
-    opened_ = false;
     out_.str("");
     AppEnv env;
     env.argv0 = dir_ / "ksetup";
@@ -55,10 +54,7 @@ class AppTest : public ::testing::Test {
     };
     env.out = &out_;
     env.console = {false, true};  // plain UTF-8 text, no colour sequences
-    env.open_terminal = [this] {
-      opened_ = true;
-      return std::make_unique<VtProxy>(*vt_);
-    };
+    env.open_terminal = [this] { return std::make_unique<VtProxy>(*vt_); };
     return RunKsetup(env);
   }
 
@@ -80,7 +76,6 @@ class AppTest : public ::testing::Test {
   std::map<std::string, std::string> env_;
   std::unique_ptr<VirtualTerminal> vt_;
   std::ostringstream out_;
-  bool opened_ = false;
 };
 
 }  // namespace ks::test

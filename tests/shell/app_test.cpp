@@ -95,10 +95,9 @@ TEST_F(AppTest, WithoutMainAddressMostChoicesRefuse) {
   EXPECT_THROW(Run({}, "<Down><Enter>"), KeysExhausted);
   EXPECT_TRUE(Screen("Main address missing or invalid"));
   EXPECT_FALSE(opened_list);
-  EXPECT_FALSE(Screen(":280/5555"));
   // System data, Utilities, Information and Exit stay available.
   EXPECT_THROW(Run({}, "<Up><Up><Enter>"), KeysExhausted);
-  EXPECT_TRUE(Screen("Information about KESTRA") || Screen(" Information "));
+  EXPECT_TRUE(Screen(" Information "));
   EXPECT_EQ(Run({}, "<Up><Up><Up><Enter><Esc><End><Enter>"), 0);
 }
 
@@ -189,7 +188,6 @@ TEST_F(AppTest, ColourModesAndTheDefaultSet) {
   WriteSetup(rec);
   EXPECT_THROW(Run({}, ""), KeysExhausted);
   EXPECT_EQ(vt_->AttrOf(" Main "), 0x1E);
-  EXPECT_FALSE(vt_->monochrome());
   EXPECT_THROW(Run({"-Mono"}, ""), KeysExhausted);
   EXPECT_EQ(vt_->AttrOf(" Main "), 15);
   EXPECT_TRUE(vt_->monochrome());
@@ -198,7 +196,6 @@ TEST_F(AppTest, ColourModesAndTheDefaultSet) {
   EXPECT_TRUE(vt_->monochrome());
   EXPECT_THROW(Run({"-mono", "-color"}, ""), KeysExhausted);
   EXPECT_FALSE(vt_->monochrome());
-  EXPECT_EQ(vt_->AttrOf(" Main "), 0x1E);
 }
 
 TEST_F(AppTest, SpeechFriendlyKeepsTheCursorOnTheHighlight) {
@@ -208,7 +205,6 @@ TEST_F(AppTest, SpeechFriendlyKeepsTheCursorOnTheHighlight) {
   EXPECT_THROW(Run({"-sfi"}, "<Down>"), KeysExhausted);
   EXPECT_EQ(vt_->cursor_shape(), CursorShape::kUnderline);
   EXPECT_EQ(vt_->cursor_row(), 9);  // "FileFind areas"
-  EXPECT_EQ(vt_->cursor_col(), 33);
   KESTRAcfg rec = ConfigWithAddress(2);
   rec.speechFriendly = 1;
   WriteSetup(rec);

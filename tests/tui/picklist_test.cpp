@@ -224,10 +224,6 @@ class PickSourceTest : public PickListTest {
     group_source() = [] {
       return std::vector<GroupName>{{20, "Twenty"}, {5, "Five"}, {7, "Seven"}, {200, "Many"}};
     };
-    file_area_source() = [] {
-      return std::vector<FileAreaName>{{300, "/bbs/files/util", "Utilities"},
-                                       {12, "/bbs/files/nodelist", "Nodelists"}};
-    };
   }
   void TearDown() override {
     group_source() = nullptr;

@@ -30,12 +30,10 @@ TEST(AttrMap, SixteenColoursUseBothNibblesWhole) {
 TEST(AttrMap, EightColoursTurnBrightForegroundIntoBold) {
   EXPECT_EQ(MapAttr(0x1E, k8), Style(3, 4, true));
   EXPECT_EQ(MapAttr(0x08, k8), Style(0, 0, true));  // dark grey: bold black
-  EXPECT_EQ(MapAttr(0x30, k8), Style(0, 6));
 }
 
 TEST(AttrMap, EightColoursDropBrightBackgroundButKeepTextVisible) {
   EXPECT_EQ(MapAttr(0x9F, k8), Style(7, 4, true));
-  EXPECT_EQ(MapAttr(0xF4, k8), Style(1, 7));
   // Light grey on white would become grey on grey.
   EXPECT_EQ(MapAttr(0xF7, k8), Style(7, 7, true));
   // Text that is meant to be invisible stays so.

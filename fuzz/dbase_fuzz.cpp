@@ -11,9 +11,8 @@
 // Input layout:
 //   byte 0     which file (biased towards the small NODEFILE and HATCH records)
 //   byte 1     flags: bits 0-1 the index file (the bytes as they are, none, entries of data
-//              records picked by the bytes, built by BuildIndex); bit 2 data records given by
-//              their key fields and one byte no key reads; bit 3 a partial record at the end
-//              of the data file; bit 4 no data file; bit 5 the maintenance operations first
+//              records picked by the bytes, built by BuildIndex); bit 3 a partial record at
+//              the end of the data file; bit 4 no data file; bit 5 the maintenance first
 //   byte 2     number of systems of FAREAS/MAREAS records; length of the partial record
 //   byte 3     length of the operation script, taken from the end of the input
 //   bytes 4-5  where the data bytes end and the index bytes begin
@@ -301,7 +300,7 @@ void RunDataBase(const Pair& p, Script& s) {
   auto* g = reinterpret_cast<std::uint8_t*>(got.data());
   auto* b = reinterpret_cast<std::uint8_t*>(back.data());
   for (int step = 0; step < 64 && !s.done(); ++step) {
-    const int n = db.count(), op = s.Next() % 8, pos = s.Pos(n);
+    const int n = db.count(), op = s.Next() % 7, pos = s.Pos(n);
     const bool valid = pos >= 0 && pos < n;
     const Bytes* like = valid && db.ReadRecord(pos, g) ? &got : nullptr;
     switch (op) {
@@ -335,26 +334,18 @@ void RunDataBase(const Pair& p, Script& s) {
         if (valid) CHECK(db.ReadRecord(pos, b) && back == got && p.index() == index);
         break;
       }
-      case 4: {  // duplicate check: a listed record is a duplicate of its own entry
-        const Bytes rec = s.Record(p, like);
-        if (db.IsDuplicate(U(rec), pos)) CHECK(db.unique);
-        if (like && st.fits) CHECK(db.IsDuplicate(g, -1) == db.unique);
-        break;
-      }
-      case 5: {  // the list's settings
+      case 4: {  // the list's settings
         const std::uint8_t what = s.Next();
-        if (what % 3 == 0) {
+        if (what % 2 == 0) {
           db.set_current(pos * (what & 8 ? 3 : 1));
-        } else if (what % 3 == 1) {
-          db.set_active_key(what / 3 % 7);
+        } else {
+          db.set_active_key(what / 2 % 7);
           CHECK(db.active_key() >= 1 && db.active_key() <= p.keys->count());
           if (db.active_key() != 1) st.sorted = false;
-        } else {
-          db.unique = !db.unique;
         }
         break;
       }
-      case 6:  // close and open again
+      case 5:  // close and open again
         db.Close();
         CHECK(!db.is_open() && db.count() == 0);
         if (!OpenDb(p, db, st)) return;
@@ -576,30 +567,6 @@ Pair MakePair(std::uint8_t which, std::uint8_t param) {
   return p;
 }
 
-Bytes MakeData(const Pair& p, const std::uint8_t* b, std::size_t n, std::uint8_t flags,
-               std::uint8_t param) {
-  Bytes data;
-  if (flags & 0x04) {
-    // Records given by their key fields and the byte no key reads.
-    for (std::size_t at = 0; at + p.k + 1 <= n && data.size() + p.rs <= kMaxDataBytes;
-         at += p.k + 1) {
-      Bytes rec(p.rs, '\0');
-      std::size_t from = at;
-      for (int i = 0; i < p.keys->count(); ++i) {
-        const ks::KeyDef& d = (*p.keys)[i];
-        std::memcpy(&rec[d.rec_offset], b + from, d.length);
-        from += d.length;
-      }
-      rec[p.free_byte] = static_cast<char>(b[from]);
-      data += rec;
-    }
-  } else {
-    data = Bytes(reinterpret_cast<const char*>(b), std::min(n, kMaxDataBytes) / p.rs * p.rs);
-  }
-  if (flags & 0x08) data.append(1 + param % 13, '\x5A');
-  return data;
-}
-
 // Entries of the records picked by the bytes, now and then one past the data.
 Bytes PickedIndex(const Pair& p, const Bytes& data, const std::uint8_t* b, std::size_t n) {
   const std::uint64_t records = data.size() / p.rs;
@@ -632,7 +599,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t siz
   ks::record_extensions() = {"KSX", "IDX"};
   for (const std::string& name : ks::ListFiles(Dir())) std::remove((Dir() + name).c_str());
   const Pair p = MakePair(head[0], param);
-  const Bytes data = MakeData(p, body, split, flags, param);
+  Bytes data(reinterpret_cast<const char*>(body), std::min(split, kMaxDataBytes) / p.rs * p.rs);
+  if (flags & 0x08) data.append(1 + param % 13, '\x5A');  // a partial record
   if (!(flags & 0x10)) CHECK(ks::WriteFileAtomic(p.data_name(), data));
   if ((flags & 3) == 0)
     CHECK(

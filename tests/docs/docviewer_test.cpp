@@ -209,7 +209,6 @@ TEST_F(ViewerFindTest, FindIgnoresCaseAndFindAgainContinuesAfterTheMatch) {
   EXPECT_EQ(TextRow(kFirstTextRow + 3).substr(0, 12), "row 3 needle");
   EXPECT_EQ(vt_.At(kTextCol + 5, kFirstTextRow + 3).attr, c[kHelpText]);  // "row 3 needle"
   EXPECT_EQ(vt_.At(kTextCol + 6, kFirstTextRow + 3).attr, c[kHelpFind]);
-  EXPECT_EQ(vt_.At(kTextCol + 11, kFirstTextRow + 3).attr, c[kHelpFind]);
   RunInto(viewer, "<F3>");
   EXPECT_EQ(viewer.top(), 25u);
   RunInto(viewer, "<F3>");

@@ -14,7 +14,6 @@ class MenuTest : public test::VtTest {
     box_->AddItem(2, 2, "First", "help one", 10);
     box_->AddItem(2, 3, "Second", "help two", 0);
     box_->AddItem(2, 4, "Third", "help three", 12);
-    box_->set_topic(99);
   }
   int Run(const std::string& keys) {
     vt_.Keys(keys);
@@ -53,13 +52,6 @@ TEST_F(MenuTest, HighlightAndStatusLineFollowSelection) {
   // "Second" highlighted, the bar as wide as the widest title.
   EXPECT_EQ(vt_.At(33 + 5, 9).attr, c[kWindowSelect]);
   EXPECT_EQ(vt_.At(33 + 6, 9).attr, c[kWindowText]);
-}
-
-TEST_F(MenuTest, F1ShowsItemTopicOrTheMenusOwn) {
-  std::vector<int> asked;
-  ui().show_help = [&](int t) { asked.push_back(t); };
-  Run("<F1><Down><F1>;<Esc>");  // ";" has F1's code
-  EXPECT_EQ(asked, (std::vector<int>{10, 99, 99}));
 }
 
 TEST_F(MenuTest, AltZOpensPopupOnlyWhenEnabled) {

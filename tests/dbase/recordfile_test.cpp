@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "dbase/database.h"
 #include "pair_fixture.h"
 
 namespace ks {
@@ -53,34 +52,6 @@ TEST_F(RecordFileTest, AClosedFileAnswersEverythingEmptyOrFalse) {
   EXPECT_EQ(idx.tag.len, 0);
   EXPECT_EQ(+idx.recno, 0);
   EXPECT_FALSE(dir_.Has("FAREAS.IDX"));
-}
-
-TEST_F(RecordFileTest, FindFoldsLettersWhileTheGenericEngineSortsThemApart) {
-  OpenEmpty();
-  EXPECT_EQ(fa_.Find("ANY"), -1);  // empty
-  ASSERT_TRUE(fa_.Add(Fileecho("zeta", 1)));
-  ASSERT_TRUE(fa_.Add(Fileecho("Alpha", 2)));
-  ASSERT_TRUE(fa_.Add(Fileecho("MID", 3)));
-  EXPECT_EQ(IndexTags(), (Tags{"Alpha", "MID", "zeta"}));
-  EXPECT_EQ(fa_.Find("ZETA"), 2);
-  EXPECT_EQ(fa_.Find("alpha"), 0);
-  EXPECT_EQ(fa_.Find("mid"), 1);
-  EXPECT_EQ(fa_.Find("MI"), -1);
-  FileMGRrec rec;
-  ASSERT_TRUE(fa_.ReadRecord(fa_.Find("Zeta"), rec));
-  EXPECT_EQ(rec.description.str(), "about zeta");
-  EXPECT_EQ(fa_.GetIndex(2).group, 1);
-  EXPECT_EQ(fa_.GetIndex(5).recno + 0, 0);  // past the end: a zeroed entry
-
-  // The files are the common format: the list editor's engine reads them, byte-ordered.
-  fa_.Close();
-  const RecordFileDef& def = FileDef(RecordFileId::kFAreas);
-  ksDataBase db("FAREAS", def.RecordSize(), def.keys);
-  ASSERT_EQ(db.Open(dir_.path()), ksDataBase::OpenResult::kOk);
-  const FileMGRrec beta = Fileecho("beta", 1);
-  ASSERT_TRUE(db.Insert(reinterpret_cast<const std::uint8_t*>(&beta)));
-  EXPECT_EQ(db.current(), 2);  // byte order: "Alpha" "MID" "beta" "zeta"
-  EXPECT_EQ(db.count(), 4);
 }
 
 TEST_F(RecordFileTest, EqualKeysKeepTheirOrderAndAnUpdateResortsOnlyWhenTheKeyChanged) {
@@ -135,23 +106,6 @@ TEST_F(RecordFileTest, FileechoRecordsFollowTheConfiguredNumberOfSystems) {
   ASSERT_TRUE(small.ReadRecord(0, back));
   EXPECT_EQ(back.systems[9].address.zone + 0, 2);
   EXPECT_EQ(back.systems[10].address.zone + 0, 0);
-}
-
-TEST_F(RecordFileTest, NodesAreFoundByAddressAndOrderedByWords) {
-  dir_.Write("NODEFILE.KSX", "");
-  dir_.Write("NODEFILE.IDX", "");
-  TNodeFile nodes;
-  ASSERT_TRUE(nodes.Open(dir_.path()));
-  for (NetAddr a : {NetAddr{2, 280, 5555, 1}, NetAddr{1, 300, 1, 0}, NetAddr{2, 280, 5555, 0}}) {
-    NodeMGRrec n{};
-    n.address = a;
-    n.sysop = "Sysop";
-    ASSERT_TRUE(nodes.Add(n));
-  }
-  EXPECT_EQ(nodes.GetIndex(0).address, (NetAddr{1, 300, 1, 0}));
-  EXPECT_EQ(nodes.Find(NetAddr{2, 280, 5555, 1}), 2);
-  EXPECT_EQ(nodes.Find(NetAddr{2, 280, 5555, 0}), 1);
-  EXPECT_EQ(nodes.Find(NetAddr{2, 280, 5556, 0}), -1);
 }
 
 }  // namespace

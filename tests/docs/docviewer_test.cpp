@@ -11,9 +11,7 @@
 
 #include "tempdir.h"
 #include "tui/colours.h"
-#include "tui/screen.h"
-#include "tui/ui.h"
-#include "tui/virtual_terminal.h"
+#include "vt_fixture.h"
 
 namespace ks {
 namespace {
@@ -35,9 +33,9 @@ constexpr int kTextWidth = 77;
 constexpr std::size_t kPageRows = 18;
 constexpr std::size_t kLinesPerPortion = DocSource::kPortion / 16;
 
-class ViewerTest : public ::testing::Test {
+class ViewerTest : public test::VtTest {
  protected:
-  ViewerTest() : screen_(vt_), scope_(screen_) { screen_.FillRect(1, 1, 80, 25, 0xB1, 0x07); }
+  ViewerTest() { screen_.FillRect(1, 1, 80, 25, 0xB1, 0x07); }
 
   // Runs the viewer until the script is used up. Every key read shows the screen first, so the
   // terminal keeps what was shown at that moment, even where a dialogue has since put back what
@@ -54,15 +52,8 @@ class ViewerTest : public ::testing::Test {
   }
   // The text of a window row, without the frame and the blank column inside it.
   std::string TextRow(int row) { return vt_.Row(row).substr(2, kTextWidth); }
-  bool OnScreen(const std::string& text) { return vt_.Contains(text); }
-  std::string Dump() {
-    screen_.Flush();
-    return vt_.Dump();
-  }
+  bool Shown(const std::string& text) { return vt_.Contains(text); }
 
-  VirtualTerminal vt_;
-  Screen screen_;
-  UiScope scope_;
   test::TempDir dir_;
 };
 
@@ -220,14 +211,14 @@ TEST_F(ViewerFindTest, FindIgnoresCaseAndFindAgainContinuesAfterTheMatch) {
 
   // No further match: the box, and the view stays where it was.
   RunInto(viewer, "<F3>");
-  EXPECT_TRUE(OnScreen("Text not found"));
+  EXPECT_TRUE(Shown("Text not found"));
   RunInto(viewer, "<F3><Enter>");
-  EXPECT_FALSE(OnScreen("Text not found"));
+  EXPECT_FALSE(Shown("Text not found"));
   EXPECT_EQ(viewer.top(), 80u);
 
   // A new search starts at the first line on screen; the prompt offers the last text.
   RunInto(viewer, "<Home><PgDn>F");
-  EXPECT_TRUE(OnScreen("Search for: neeDLE"));  // as typed, case kept
+  EXPECT_TRUE(Shown("Search for: neeDLE"));  // as typed, case kept
   RunInto(viewer, "F<Enter>");
   EXPECT_EQ(viewer.top(), 18u);  // line 25 is on the second page
 }
@@ -249,7 +240,7 @@ TEST_F(ViewerFindTest, EscOnThePromptChangesNothing) {
   DocViewer fresh(doc2, "t");
   RunInto(fresh, "<PgDn><F3>needle<Esc>");
   EXPECT_EQ(fresh.top(), 18u);
-  EXPECT_FALSE(OnScreen("Text not found"));
+  EXPECT_FALSE(Shown("Text not found"));
 }
 
 TEST_F(ViewerTest, EmptyOrMissingDocumentOnlyGivesAMessage) {
@@ -258,8 +249,8 @@ TEST_F(ViewerTest, EmptyOrMissingDocumentOnlyGivesAMessage) {
   for (const std::string& path : {dir_ / "eof.txt", dir_ / "missing.txt"}) {
     vt_.Keys("");
     EXPECT_THROW(ViewDocument(path, "Empty"), KeysExhausted);
-    EXPECT_TRUE(OnScreen("There is nothing to display")) << path;
-    EXPECT_FALSE(OnScreen(" Empty "));  // no viewer window behind it
+    EXPECT_TRUE(Shown("There is nothing to display")) << path;
+    EXPECT_FALSE(Shown(" Empty "));  // no viewer window behind it
     screen_.FillRect(1, 1, 80, 25, 0xB1, 0x07);
   }
   DocSource empty(DocSource::InMemory{}, "");
@@ -280,7 +271,7 @@ TEST_F(ViewerTest, PrintSendsEveryLineAndShowsTheOutcome) {
   RunInto(viewer, "p");
   ASSERT_EQ(printed.size(), 5000u);
   EXPECT_EQ(printed.back(), "Line 4999 -----");
-  EXPECT_TRUE(OnScreen("The document was sent to the printer"));
+  EXPECT_TRUE(Shown("The document was sent to the printer"));
 
   DocSource small(DocSource::InMemory{}, "just one line\n");
   DocViewer failing(small, "t");
@@ -288,7 +279,7 @@ TEST_F(ViewerTest, PrintSendsEveryLineAndShowsTheOutcome) {
   failing.set_printer(
       [](const std::vector<std::string>&) { return std::string("Unable to write to /dev/lp0"); });
   RunInto(failing, "P");
-  EXPECT_TRUE(OnScreen("Unable to write to /dev/lp0"));
+  EXPECT_TRUE(Shown("Unable to write to /dev/lp0"));
   RunOut(failing, "P<Enter><Esc>");  // the box closes and the viewer goes on
 }
 

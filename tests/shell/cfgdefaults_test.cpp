@@ -56,18 +56,9 @@ TEST(CfgDefaults, DependentDefaultsFillAZeroRecordButNotTheNumberOfSystems) {
 }
 
 TEST(CfgDefaults, DependentDefaultsKeepWhatTheSysopSet) {
-  KESTRAcfg rec;
+  KESTRAcfg rec;  // no byte zero: every value is one the sysop set, but the invoice number
   auto* p = reinterpret_cast<std::uint8_t*>(&rec);
-  for (std::size_t i = 0; i < sizeof rec; ++i) p[i] = static_cast<std::uint8_t>(i * 7 + 1);
-  rec.minHdSpace = 2000;
-  rec.longDescChar = '|';
-  rec.reRequestRate = 3;
-  rec.internet.resendDelay = 1;
-  rec.internet.spoolAgeDays = 30;
-  rec.internet.messageSizeKb = 64;
-  rec.eacVirusErrorlevel = 9;
-  rec.eacErrorErrorlevel = 8;
-  rec.lastHardDrive = 'F';
+  std::memset(p, 0x5A, sizeof rec);
   rec.nextInvoice = 0;
   std::vector<std::uint8_t> before(p, p + sizeof rec);
   FillDependentDefaults(rec);

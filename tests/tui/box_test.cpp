@@ -101,24 +101,5 @@ TEST_F(MenuTest, HotKeyRunsItsProcedureAndDisabledOnesDoNot) {
   EXPECT_EQ(runs, 7);
 }
 
-class GridMenuTest : public test::VtTest {};
-
-TEST_F(GridMenuTest, LeftRightGoToNearestItemByColumn) {
-  BoxOBJ box(10, 6, 60, 12, "Grid");
-  box.AddItem(2, 2, "a1", "", 0);   // 1
-  box.AddItem(2, 3, "a2", "", 0);   // 2
-  box.AddItem(20, 2, "b1", "", 0);  // 3
-  box.AddItem(20, 4, "b3", "", 0);  // 4
-  box.AddItem(40, 3, "c2", "", 0);  // 5
-  vt_.Keys("<Down><Right><Enter>");
-  EXPECT_EQ(box.Run(), 3);  // from a2 (row 3): b1 and b3 are one row away, b1 comes first
-  vt_.Keys("<Right><Enter>");
-  EXPECT_EQ(box.Run(), 5);
-  vt_.Keys("<Right><Enter>");
-  EXPECT_EQ(box.Run(), 5);  // nothing further right
-  vt_.Keys("<Left><Left><Enter>");
-  EXPECT_EQ(box.Run(), 1);  // b1, then a1 on the same row
-}
-
 }  // namespace
 }  // namespace ks

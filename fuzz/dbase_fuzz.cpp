@@ -422,7 +422,7 @@ void RunRecordFile(const Pair& p, Script& s) {
   CheckRf(p, rf, st);
   Bytes got(p.rs, '\0');
   for (int step = 0; step < 64 && !s.done(); ++step) {
-    const int n = rf.Count(), op = s.Next() % 7, pos = s.Pos(n);
+    const int n = rf.Count(), op = s.Next() % 8, pos = s.Pos(n);
     const bool valid = pos >= 0 && pos < n;
     const Bytes* like = valid && rf.ReadRecordBytes(pos, got.data()) ? &got : nullptr;
     switch (op) {
@@ -461,7 +461,17 @@ void RunRecordFile(const Pair& p, Script& s) {
         CHECK(!ks::FileExists(ks::ScratchFileName(Dir(), p.def->base)));
         break;
       }
-      case 5:  // close and open again
+      case 5: {  // find a key from the script: found only when equal, always when sorted
+        const Bytes key = p.Key(s.Record(p, nullptr), 0);
+        const auto entries = Entries(p, rf);
+        const int j = rf.FindBytes(U(key) + (*p.keys)[0].key_offset);
+        CHECK(j < 0 ? !st.sorted ||
+                          std::none_of(entries.begin(), entries.end(),
+                                       [&](const Bytes& x) { return p.SameFirstKey(x, key); })
+                    : j < n && p.SameFirstKey(entries[j], key));
+        break;
+      }
+      case 6:  // close and open again
         rf.Close();
         CHECK(!rf.IsOpen() && rf.Count() == 0 && rf.FindBytes(U(got)) == -1);
         if (!OpenRf(p, rf, st)) return;

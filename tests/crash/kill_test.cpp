@@ -140,12 +140,14 @@ std::string Tmux(const std::string& args) {
 bool RunKsetup(Op op, const std::string& dir, const std::string& kill) {
   // The paths come from mkdtemp and the command line: no quotes are needed inside the command.
   const std::string env = "env KESTRA=" + dir + " TERM=xterm LC_ALL=C.UTF-8 ";
-  const std::string traced = kill.starts_with("@")
-                                 ? "timeout -s KILL " + kill.substr(1) + " " + env + g_ksetup
-                                 : "strace -f -o /dev/null " + kill + " " + env + g_ksetup;
+  const std::string traced =
+      kill.empty() ? env + g_ksetup
+      : kill.starts_with("@")
+          ? "timeout --foreground -s KILL " + kill.substr(1) + " " + env + g_ksetup
+          : "strace -f -o /dev/null " + kill + " " + env + g_ksetup;
   if (op == Op::kIndex || op == Op::kPack)
     return Run("script -qec " +
-               Quote("stty rows 25 cols 80; exec timeout -s KILL 60 " + traced +
+               Quote("stty rows 25 cols 80; exec timeout --foreground -s KILL 60 " + traced +
                      (op == Op::kIndex ? " Index" : " Pack")) +
                " /dev/null </dev/null >/dev/null 2>&1") == 0;
   const std::string status = dir + "status";
@@ -204,8 +206,9 @@ std::vector<std::string> KillPoints(Op op, const std::string& base, std::size_t 
   }
   // The batch commands make few calls, each writing a whole file: the other kills fall at
   // random moments of an untraced run, inside those writes too.
+  const std::string timed = Fresh(base, "record");
   const auto start = std::chrono::steady_clock::now();
-  RunKsetup(op, Fresh(base, "record"), "");
+  RunKsetup(op, timed, "");
   const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
   std::uniform_real_distribution<double> at(0.0, took.count() * 1.2);
   while (points.size() < runs) points.push_back("@" + std::to_string(at(random)));

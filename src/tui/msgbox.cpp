@@ -51,7 +51,8 @@ MsgLayout Layout(const MessageBoxSpec& box) {
   int buttons_w = 0;
   for (const auto& b : box.buttons) buttons_w += static_cast<int>(ButtonText(b).size()) + kGap;
   if (buttons_w) buttons_w -= kGap;
-  const int inner = std::max(text_w, buttons_w) + 4;
+  int inner = std::max(text_w, buttons_w) + 4;
+  if (!box.title.empty()) inner = std::max(inner, static_cast<int>(box.title.size()) + 6);
   const int height = static_cast<int>(box.lines.size()) + 6;
   Screen& s = scr();
   MsgLayout m;
@@ -81,6 +82,7 @@ std::uint8_t RunMessageBox(const MessageBoxSpec& box) {
 
   s.FillRect(m.left, m.top, m.right, m.bottom, ' ', c[kMessageData]);
   DrawFrame(m.left, m.top, m.right, m.bottom, c[kMessageFrame], kDoubleFrame);
+  DrawFrameTitle(m.right, m.top, c[kMessageFrame], box.title);
   DrawShadow(m.left, m.top, m.right, m.bottom);
   const int inner = m.right - m.left - 1;
   for (std::size_t i = 0; i < box.lines.size(); ++i) {

@@ -10,6 +10,7 @@
 namespace ks {
 
 struct MessageBoxSpec {
+  std::string title;  // in the top frame line; none when empty
   std::vector<std::string> lines;
   std::vector<std::string> buttons;  // labels of up to 25 characters
   std::bitset<256> end_keys;         // upper-cased keys that end the box

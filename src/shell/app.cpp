@@ -6,10 +6,12 @@
 #include <optional>
 #include <ostream>
 #include <typeinfo>
+#include <vector>
 
 #include "common/fileutil.h"
 #include "common/halt.h"
 #include "common/recordext.h"
+#include "dbase/systems_resize.h"
 #include "docs/helpsys.h"
 #include "shell/cmdline.h"
 #include "shell/instance.h"
@@ -152,6 +154,10 @@ int RunKsetup(const AppEnv& env) {
 
   ScreenSession session(env);
   InstanceLock lock(p.exe_path);
+  struct LockShown {
+    explicit LockShown(InstanceLock* lock) { prog().instance = lock; }
+    ~LockShown() { prog().instance = nullptr; }
+  } lock_shown(&lock);
   p.cfg = std::make_unique<KESTRAcfg>();
   SetupLoadContext ctx;
   ctx.dir = p.exe_path;
@@ -171,10 +177,16 @@ int RunKsetup(const AppEnv& env) {
     if (p.sfi) scr().SetCursorShape(CursorShape::kUnderline);
     p.work_dir = cfg.tmpPath.empty() ? p.exe_path : AddSlash(cfg.tmpPath.str());
     p.help_dir = FindHelpDir(env, p.exe_path);
-    // Files left by a run that was killed while saving, unless another copy is at work.
+    // Files left by a run that was killed while saving, unless another copy is at work. A
+    // change of "Number of systems" cut short is finished or undone first, before anything
+    // opens the area files, by the number setup.ksx holds.
     lock.RunAlone([&] {
-      RemoveStaleSaves(p.exe_path);
-      if (p.DataDir() != p.exe_path) RemoveStaleSaves(p.DataDir());
+      std::vector<std::string> dirs = {p.exe_path};
+      if (p.DataDir() != p.exe_path) dirs.push_back(p.DataDir());
+      for (const std::string& dir : dirs) {
+        RecoverSystemsResize(dir, cfg.numberOfSystems);
+        RemoveStaleSaves(dir);
+      }
     });
     if (p.colour && cfg.colourSet.len == 0) {
       const ColourSet& d = DefaultColourSet();

@@ -20,6 +20,8 @@ class InstanceLock {
   // Runs `fn` with the lock made exclusive when no other KSETUP holds the directory, then
   // shares it again. False (and `fn` not run) when another one is running.
   bool RunAlone(const std::function<void()>& fn);
+  // False when the directory could not be locked at all.
+  bool held() const { return fd_ >= 0; }
 
  private:
   int fd_ = -1;

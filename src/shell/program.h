@@ -10,6 +10,8 @@
 
 namespace ks {
 
+class InstanceLock;
+
 struct Program {
   std::string exe_path;                  // program directory, with a trailing "/"
   std::string setup_name = "setup.ksx";  // as spelt on disk
@@ -23,6 +25,8 @@ struct Program {
   std::string help_dir;            // where KESTRA.DOC and KS_DOC.IDX were found
   // The groups, one entry per GRPFILE record, loaded while the main menu runs.
   std::vector<GroupTableEntry> group_table;
+  // The lock RunKsetup holds on the program directory while it runs; none outside it.
+  InstanceLock* instance = nullptr;
 
   std::string SetupPath() const { return exe_path + setup_name; }
   // The directory of the record files: the configured data path, or the program directory.

@@ -72,25 +72,6 @@ class ScreenSession {
   std::optional<UiScope> scope_;
 };
 
-ColourSet ColourSetOf(const KESTRAcfg* cfg) {
-  ColourSet set = DefaultColourSet();
-  if (cfg && cfg->colourSet.len > 0) {
-    // A short set (a damaged file) keeps the defaults for the slots it lacks.
-    const std::string bytes = cfg->colourSet.str();
-    for (std::size_t i = 0; i < bytes.size() && i < set.size(); ++i)
-      set[i] = static_cast<std::uint8_t>(bytes[i]);
-  }
-  return set;
-}
-
-void InstallColours(bool colour, const KESTRAcfg* cfg) {
-  if (colour)
-    ui().colours.Install(ColourSetOf(cfg));
-  else
-    ui().colours.InstallMono(ColourSetOf(cfg));
-  scr().terminal().SetMonochrome(!colour);
-}
-
 void PrintBanner(Console& con) {
   con.SetAttr(14);
   con.WriteLine(BannerLine());
@@ -125,6 +106,25 @@ void RunMenuWithTables() {
 }
 
 }  // namespace
+
+ColourSet ColourSetOf(const KESTRAcfg* cfg) {
+  ColourSet set = DefaultColourSet();
+  if (cfg && cfg->colourSet.len > 0) {
+    // A short set (a damaged file) keeps the defaults for the slots it lacks.
+    const std::string bytes = cfg->colourSet.str();
+    for (std::size_t i = 0; i < bytes.size() && i < set.size(); ++i)
+      set[i] = static_cast<std::uint8_t>(bytes[i]);
+  }
+  return set;
+}
+
+void InstallColours(bool colour, const KESTRAcfg* cfg) {
+  if (colour)
+    ui().colours.Install(ColourSetOf(cfg));
+  else
+    ui().colours.InstallMono(ColourSetOf(cfg));
+  scr().terminal().SetMonochrome(!colour);
+}
 
 int RunKsetup(const AppEnv& env) {
   ResetProgram();

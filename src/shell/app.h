@@ -8,7 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "shell/kestracfg.h"
 #include "shell/progdir.h"
+#include "tui/colours.h"
 #include "tui/console.h"
 #include "tui/terminal.h"
 
@@ -25,6 +27,11 @@ struct AppEnv {
   // Enters full-screen mode; called the first time something is drawn.
   std::function<std::unique_ptr<Terminal>()> open_terminal;
 };
+
+// The colour set of the configuration (the start-up default where it has none or a short one),
+// and its installation, or that of the monochrome attributes when `colour` is false.
+ColourSet ColourSetOf(const KESTRAcfg* cfg);
+void InstallColours(bool colour, const KESTRAcfg* cfg);
 
 // Runs the program and returns its exit status. Exceptions escape to the caller.
 int RunKsetup(const AppEnv& env);

@@ -142,26 +142,9 @@ void Act(const std::function<void()>& action) {
   if (action) action();
 }
 
-// The loop of a top submenu: F9 and F10 only close it.
+// The loop of a submenu; F9 and F10 close a top one.
 void RunSubmenu(const MenuDef& def, const std::function<void()>* actions) {
-  auto box = MakeMenu(def);
-  box->Draw();
-  for (int choice = box->Run(); choice != kChoiceEsc; choice = box->Run()) {
-    if (choice >= kChoiceF9) break;
-    box->Hide();
-    Act(actions[choice]);
-    box->Show();
-  }
-}
-
-void RunUtilities() {
-  auto box = MakeMenu(UtilitiesMenuDef());
-  box->Draw();
-  for (int choice = box->Run(); choice != kChoiceEsc; choice = box->Run()) {
-    box->Hide();
-    Act(menu_actions().utilities[choice]);
-    box->Show();
-  }
+  RunMenu(def, [actions](int choice) { Act(actions[choice]); });
 }
 
 void ActOnMain(int choice) {
@@ -182,7 +165,7 @@ void ActOnMain(int choice) {
       RunSubmenu(FileechoMenuDef(), acts.fileecho);
       return;
     case kUtilities:
-      RunUtilities();
+      RunSubmenu(UtilitiesMenuDef(), acts.utilities);
       return;
     case kInformation:
       ShowInformation();

@@ -5,9 +5,13 @@
 #include "common/fileutil.h"
 #include "dbase/bbsfileareas.h"
 #include "editors/lists.h"
+#include "shell/app.h"
 #include "shell/mainmenu.h"
 #include "shell/program.h"
+#include "sysdata/sysdata.h"
+#include "tui/colourmenu.h"
 #include "tui/picklist.h"
+#include "tui/ui.h"
 
 namespace ks {
 
@@ -49,6 +53,30 @@ std::vector<GroupName> Groups() {
   return out;
 }
 
+// The "Colors" menu of Miscellaneous: a set chosen is installed at once and kept in the
+// configuration, which is saved with the rest of it.
+bool ChangeColours() {
+  Program& p = prog();
+  ColourSet set = ColourSetOf(p.cfg.get());
+  if (!RunColorsMenu(set)) return false;
+  p.cfg->colourSet.set(std::string_view(reinterpret_cast<const char*>(set.data()), set.size()));
+  InstallColours(p.colour, p.cfg.get());
+  DrawDesktop();
+  return true;
+}
+
+SysdataContext MakeSysdataContext() {
+  SysdataContext ctx;
+  ctx.cfg = prog().cfg.get();
+  ctx.colours = ChangeColours;
+  return ctx;
+}
+
+// A settings screen opened with the context of the moment.
+std::function<void()> Settings(void (*run)(const SysdataContext&)) {
+  return [run] { run(MakeSysdataContext()); };
+}
+
 }  // namespace
 
 void RegisterScreens() {
@@ -63,6 +91,17 @@ void RegisterScreens() {
   Fill(acts.echomail[1], List(RunEchomailManager));
   Fill(acts.echomail[3], List(RunPackManager));
   Fill(acts.utilities[4], List(RunUplinkRequests));
+  Fill(acts.main[kSystemData], Settings(RunSystemDataMenu));
+  Fill(acts.main[kRequestProcessor], Settings(RunRequestProcessor));
+  Fill(acts.fileecho[2], Settings(RunFileechoOptions));
+  Fill(acts.fileecho[3], Settings(RunLongDescOptions));
+  Fill(acts.fileecho[7], Settings(RunUplinkManager));
+  Fill(acts.fileecho[8], Settings(RunUplinkOptions));
+  Fill(acts.echomail[2], Settings(RunEchomailOptions));
+  ui().find_setting = [] {
+    RunFindSetting(MakeSysdataContext());
+    WriteHeaderAddress(*prog().cfg);
+  };
   group_source() = Groups;
   file_area_source() = [] { return LoadBbsFileAreas(prog().DataDir()); };
 }

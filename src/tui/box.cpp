@@ -12,6 +12,12 @@ namespace ks {
 BoxOBJ::BoxOBJ(int left, int top, int right, int bottom, std::string title)
     : left_(left), top_(top), right_(right), bottom_(bottom), title_(std::move(title)) {
   if (title_.size() > 30) title_.resize(30);
+  TakeColours();
+  exit_keys_.set(key::kEnter);
+  exit_keys_.set(key::kEsc);
+}
+
+void BoxOBJ::TakeColours() {
   const auto& c = ui().colours;
   frame_ = c[kWindowFrame];
   line_ = c[kWindowLine];
@@ -19,8 +25,6 @@ BoxOBJ::BoxOBJ(int left, int top, int right, int bottom, std::string title)
   select_ = c[kWindowSelect];
   text_ = c[kWindowText];
   data_ = c[kWindowData];
-  exit_keys_.set(key::kEnter);
-  exit_keys_.set(key::kEsc);
 }
 
 BoxOBJ::~BoxOBJ() {
@@ -76,6 +80,7 @@ void BoxOBJ::Draw() {
   Screen& s = scr();
   if (!visible_) beneath_ = s.Save(left_, top_, right_ + kShadowCols, bottom_ + kShadowRows);
   visible_ = true;
+  TakeColours();  // the colour set may have changed since the box was made
   s.FillRect(left_ + 1, top_ + 1, right_ - 1, bottom_ - 1, ' ', text_);
   DrawFrame(left_, top_, right_, bottom_, frame_, kDoubleFrame);
   DrawFrameTitle(right_, top_, title_attr_, title_);
@@ -162,6 +167,10 @@ int BoxOBJ::Run() {
       case key::kAltZ:
         HandleCommonKey(code,
                         current_ >= 1 && item(current_).topic ? item(current_).topic : topic_);
+        continue;
+      case key::kCtrlF:
+        // Nothing in a menu is typed, so Ctrl-F can always open "Find setting".
+        if (ui().find_setting) ui().find_setting();
         continue;
       case key::kF9:
         if (top_menu_) return kChoiceF9;

@@ -41,7 +41,7 @@ class BoxOBJ {
   static constexpr std::size_t kMaxItems = 100;
   static constexpr std::size_t kMaxHotKeys = 20;
 
-  // Takes its colours from the slots installed now.
+  // Takes its colours from the slots installed when it is drawn.
   BoxOBJ(int left, int top, int right, int bottom, std::string title);
   ~BoxOBJ();
   BoxOBJ(const BoxOBJ&) = delete;
@@ -85,6 +85,7 @@ class BoxOBJ {
   void DrawItem(int n, bool selected);
 
  private:
+  void TakeColours();  // the attributes of the installed colour set
   void Select(int n);
   int Nearest(int dir) const;  // dir -1 left, +1 right; 0 when none
   int BarWidth(const BoxItem& it) const;

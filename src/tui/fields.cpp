@@ -80,15 +80,17 @@ int NumberBytes(const FieldDef& f) {
   return f.size == 1 || f.size == 4 ? f.size : 2;
 }
 
-// Int counts as signed except in one byte, where it holds group numbers.
+// Int counts as signed except in one byte, where it holds group numbers; a one-byte Int
+// whose range goes below 0 is signed too.
 bool IsSigned(const FieldDef& f) {
-  return f.type == Int && NumberBytes(f) > 1;
+  return f.type == Int && (NumberBytes(f) > 1 || f.low < 0);
 }
 
 std::int64_t GetNumber(const FieldDef& f, const std::uint8_t* rec) {
   const int bytes = NumberBytes(f);
   const std::uint32_t u = ReadWord(rec + f.offset, bytes);
   if (!IsSigned(f)) return u;
+  if (bytes == 1) return std::int64_t{static_cast<std::int8_t>(u)};
   return bytes == 2 ? std::int64_t{static_cast<std::int16_t>(u)}
                     : std::int64_t{static_cast<std::int32_t>(u)};
 }
@@ -235,6 +237,7 @@ bool IsEmpty(const FieldDef& f, const std::uint8_t* rec) {
 // The value as text, whatever the field's state.
 std::string RawText(const FieldDef& f, const std::uint8_t* rec) {
   if (InputOf(f) == Input::kAction || InputOf(f) == Input::kShowOnly) return f.show(rec);
+  if (f.get_text) return f.get_text(rec);
   switch (f.type) {
     case Str:
     case Path:
@@ -314,7 +317,8 @@ bool AcceptChar(const FieldDef& f, char& c, int pos) {
         const char p = f.picture[static_cast<std::size_t>(pos)];
         if (p == '#' && !IsDigit(c)) return false;
         if (p == '@' && !std::isalpha(static_cast<unsigned char>(c))) return false;
-        if (p == '!') c = Capital(c);
+        if (p == 'H' && c != ' ' && !std::isxdigit(static_cast<unsigned char>(c))) return false;
+        if (p == '!' || p == 'H') c = Capital(c);
       }
       if (f.upper) c = Capital(c);
       return true;
@@ -396,6 +400,10 @@ bool CommitPath(const FieldDef& f, const std::string& text, std::uint8_t* rec, b
 }
 
 bool Commit(const FieldDef& f, const std::string& text, std::uint8_t* rec, bool ask) {
+  if (f.set_text) {
+    const std::string why = f.set_text(rec, text);
+    return why.empty() || Refuse(ask, why);
+  }
   switch (f.type) {
     case Int:
     case Wrd:
@@ -512,20 +520,28 @@ KeyPress EditText(const FieldDef& f, std::uint8_t* rec, int col, int row, int to
     if (!EndsField(k)) continue;
     // An untouched value is not checked again: passing through a field never nags.
     if (ed.text() == initial) return k;
+    // A field that asks before a change is taken keeps its old value when the page is left.
     if (k.Is(key::kEsc)) {
-      Commit(f, ed.text(), rec, false);
+      if (!f.confirm) Commit(f, ed.text(), rec, false);
       return k;
     }
-    if (Commit(f, ed.text(), rec, true)) return k;
+    const std::int64_t old = f.confirm ? GetNumber(f, rec) : 0;
+    if (!Commit(f, ed.text(), rec, true)) continue;
+    if (!f.confirm || GetNumber(f, rec) == old || f.confirm(old, rec)) return k;
+    WriteWord(rec + f.offset, NumberBytes(f), static_cast<std::uint32_t>(old));
+    ed.set_text(initial);
+    s.SetCursorShape(CursorShape::kUnderline);
+    fresh = true;
   }
 }
 
 // Edits a toggle, choice, group set or action field, whose keys change the record at once.
 KeyPress EditValue(const EditPage& page, const FieldDef& f, std::uint8_t* rec, int left, int top) {
   Screen& s = scr();
+  const int shown_top = top - page.scroll_top();
   for (;;) {
-    DrawValue(page, f, rec, left, top, ui().colours[kDataInput]);
-    s.GotoXY(left + f.col, top + f.row);
+    DrawValue(page, f, rec, left, shown_top, ui().colours[kDataInput]);
+    s.GotoXY(left + f.col, shown_top + f.row);
     s.SetCursorShape(CursorShape::kHidden);
     const KeyPress k = ReadKeyPress();
     if (ChangeValue(f, k, rec)) {
@@ -586,17 +602,52 @@ bool EditPage::Editable(int i, const std::uint8_t* rec) const {
   if (i < 0 || i >= static_cast<int>(fields_.size()) || broken_[static_cast<std::size_t>(i)])
     return false;
   const FieldDef& f = field(i);
-  return InputOf(f) != Input::kShowOnly && (!f.applies || f.applies(rec));
+  return !f.label && InputOf(f) != Input::kShowOnly && (!f.applies || f.applies(rec));
+}
+
+void EditPage::SetView(int top, int rows, int left, int cols) {
+  view_top_ = top;
+  view_rows_ = rows;
+  view_left_ = left;
+  view_cols_ = cols;
+  scroll_top_ = 0;
+}
+
+bool EditPage::Visible(const FieldDef& f) const {
+  const int row = f.row - scroll_top_;
+  return view_rows_ == 0 || (row >= view_top_ && row < view_top_ + view_rows_);
+}
+
+bool EditPage::Follow(int i) {
+  if (view_rows_ == 0 || i < 0 || i >= static_cast<int>(fields_.size())) return false;
+  const int row = field(i).row;
+  const int before = scroll_top_;
+  if (row - scroll_top_ < view_top_) scroll_top_ = row - view_top_;
+  if (row - scroll_top_ >= view_top_ + view_rows_) scroll_top_ = row - view_top_ - view_rows_ + 1;
+  return scroll_top_ != before;
 }
 
 void EditPage::Draw(const std::uint8_t* rec, int left, int top) const {
   const auto& c = ui().colours;
+  Screen& s = scr();
+  if (view_rows_ > 0)
+    s.FillRect(left + view_left_, top + view_top_, left + view_left_ + view_cols_ - 1,
+               top + view_top_ + view_rows_ - 1, ' ', c[kWindowText]);
+  const int shown_top = top - scroll_top_;
+  int last_row = 0;
   for (int i = 0; i < static_cast<int>(fields_.size()); ++i) {
     const FieldDef& f = field(i);
+    last_row = std::max(last_row, f.row);
+    if (!Visible(f)) continue;
     if (!f.prompt.empty() || !f.mark.empty())
-      scr().WriteStr(left + f.prompt_col, top + f.row, c[kWindowText], f.mark + f.prompt);
-    DrawValue(*this, f, rec, left, top, c[kWindowData]);
+      s.WriteStr(left + f.prompt_col, shown_top + f.row, c[kWindowText], f.mark + f.prompt);
+    if (!f.label) DrawValue(*this, f, rec, left, shown_top, c[kWindowData]);
   }
+  if (view_rows_ == 0) return;
+  const int arrow_col = left + view_left_ + view_cols_ - 1;
+  if (scroll_top_ > 0) s.WriteStr(arrow_col, top + view_top_, c[kWindowText], "\x18");
+  if (last_row - scroll_top_ >= view_top_ + view_rows_)
+    s.WriteStr(arrow_col, top + view_top_ + view_rows_ - 1, c[kWindowText], "\x19");
 }
 
 int EditPage::Seek(int from, int step, const std::uint8_t* rec) const {
@@ -619,13 +670,15 @@ PageResult EditPage::Run(std::uint8_t* rec, int left, int top, int first) {
   PageResult result;
   for (;;) {
     KeyPress k;
+    if (Follow(cur)) Draw(rec, left, top);
     if (!Editable(cur, rec)) {
       k = WaitForLeave(topic);
     } else {
       const FieldDef& f = field(cur);
       ShowStatus(f.help);
-      k = InputOf(f) == Input::kText ? EditText(f, rec, left + f.col, top + f.row, topic, insert)
-                                     : EditValue(*this, f, rec, left, top);
+      k = InputOf(f) == Input::kText
+              ? EditText(f, rec, left + f.col, top - scroll_top_ + f.row, topic, insert)
+              : EditValue(*this, f, rec, left, top);
     }
     Draw(rec, left, top);
     if (k.Is(key::kEsc) || (k.extended && exit_keys.test(k.code))) {

@@ -19,12 +19,14 @@ namespace ks {
 // Kinds and what they edit in the record:
 //   Str       a length-prefixed string of `size` characters; `picture`, when given, must be
 //             exactly `size` long: '!' takes any character and makes it a capital, '#' a
-//             digit, '@' a letter, any other picture character any character. `upper` makes
-//             the whole string capitals.
+//             digit, '@' a letter, 'H' a hexadecimal digit (a capital) or a blank, any other
+//             picture character any character. `upper` makes the whole string capitals. With
+//             `get_text`/`set_text` the field edits `size` characters of a form of its own.
 //   Path      a string of `size` characters naming a directory: a trailing "/" is added, and a
 //             missing directory may be created ("Create directory?").
 //   Ext       a string of 3 characters, a file extension, in capitals.
-//   Int       a signed integer of `size` bytes (1, 2 or 4; one byte counts as unsigned),
+//   Int       a signed integer of `size` bytes (1, 2 or 4; one byte counts as unsigned
+//             unless `low` is below 0),
 //             between `low` and `high`. With `group` set it is a single group number, typed
 //             or chosen from the group pick list with Space or F2.
 //   Wrd/Long  an unsigned integer of `size` bytes (Wrd 1 or 2, Long 4) between `low` and `high`.
@@ -61,7 +63,15 @@ struct FieldDef {
   // Action fields: Enter calls `select`, which returns true when it changed the record.
   std::function<bool(std::uint8_t* rec)> select;
   std::function<std::string(const std::uint8_t* rec)> show;
-  std::string mark;  // drawn in front of the prompt, e.g. a tree connector
+  std::string mark;    // drawn in front of the prompt, e.g. a tree connector
+  bool label = false;  // a caption: only the prompt is drawn, and it is never current
+  // A text kept in the record in a form of its own: `get_text` gives the text to edit,
+  // `set_text` stores a typed one and returns why it is refused ("" when it was stored).
+  std::function<std::string(const std::uint8_t* rec)> get_text;
+  std::function<std::string(std::uint8_t* rec, const std::string& text)> set_text;
+  // Numbers: asked once a changed value is in the record, with the value it had; false puts
+  // the old value back. Leaving the page with Esc drops a change such a field has.
+  std::function<bool(std::int64_t old_value, std::uint8_t* rec)> confirm;
 };
 
 // How Run ended.
@@ -93,6 +103,11 @@ class EditPage {
   // Further keys while a field is current; true when handled (the page is drawn again).
   std::function<bool(std::uint8_t scan, int field, std::uint8_t* rec)> on_key;
   int topic = 0;
+  // A page taller than its window scrolls: the window shows `rows` rows from page row `top`
+  // on, `cols` cells wide from column `left`, and the view follows the cursor. Arrows in the
+  // view's last column tell that there is more above or below.
+  void SetView(int top, int rows, int left, int cols);
+  int scroll_top() const { return scroll_top_; }
 
   std::size_t size() const { return fields_.size(); }
   const FieldDef& field(int i) const { return fields_[static_cast<std::size_t>(i)]; }
@@ -105,9 +120,14 @@ class EditPage {
   bool Editable(int i, const std::uint8_t* rec) const;
   // The first editable field from `from` on, stepping by `step` and wrapping round.
   int Seek(int from, int step, const std::uint8_t* rec) const;
+  // Scrolls the view so that field `i` is in it; true when it moved.
+  bool Follow(int i);
+  bool Visible(const FieldDef& f) const;
 
   std::vector<FieldDef> fields_;
   std::vector<bool> broken_;  // definition refused: shown, never edited
+  int scroll_top_ = 0;        // page rows scrolled out of view at the top
+  int view_top_ = 0, view_rows_ = 0, view_left_ = 0, view_cols_ = 0;  // no view: all shown
 };
 
 }  // namespace ks

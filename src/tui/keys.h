@@ -8,6 +8,7 @@
 namespace ks::key {
 
 // Character codes.
+inline constexpr std::uint8_t kCtrlF = 6;
 inline constexpr std::uint8_t kBackspace = 8;
 inline constexpr std::uint8_t kTab = 9;
 inline constexpr std::uint8_t kEnter = 13;

@@ -14,4 +14,15 @@ std::unique_ptr<BoxOBJ> MakeMenu(const MenuDef& def) {
   return box;
 }
 
+void RunMenu(const MenuDef& def, const std::function<void(int choice)>& act) {
+  auto box = MakeMenu(def);
+  box->Draw();
+  for (int choice = box->Run(); choice != kChoiceEsc; choice = box->Run()) {
+    if (choice >= kChoiceF9) break;
+    box->Hide();
+    act(choice);
+    box->Show();
+  }
+}
+
 }  // namespace ks

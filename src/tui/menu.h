@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -31,5 +32,9 @@ inline constexpr const char* kCorner = " \xC0\xC4";
 
 // Builds the box of a menu; items stand at column 2, rows 2, 3, ...
 std::unique_ptr<BoxOBJ> MakeMenu(const MenuDef& def);
+
+// Runs a submenu until Esc (or F9/F10 in a top menu): each choice hides the menu, calls
+// `act` with the item's number and shows the menu again.
+void RunMenu(const MenuDef& def, const std::function<void(int choice)>& act);
 
 }  // namespace ks

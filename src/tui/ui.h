@@ -19,6 +19,7 @@ struct Ui {
   bool popup_enabled = false;                // Alt-Z opens the pop-up utility
   std::function<void(int topic)> show_help;  // F1; topic 0 means none
   std::function<void()> popup;               // Alt-Z
+  std::function<void()> find_setting;        // Ctrl-F in a menu
   std::string header_line2;                  // left part of the header's text rows
   std::string header_line3;
   std::string header_right2;  // right-aligned on row 2, its last character two columns

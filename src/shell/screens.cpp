@@ -8,6 +8,7 @@
 #include "shell/app.h"
 #include "shell/mainmenu.h"
 #include "shell/program.h"
+#include "shell/systems_change.h"
 #include "sysdata/sysdata.h"
 #include "tui/colourmenu.h"
 #include "tui/picklist.h"
@@ -69,6 +70,9 @@ SysdataContext MakeSysdataContext() {
   SysdataContext ctx;
   ctx.cfg = prog().cfg.get();
   ctx.colours = ChangeColours;
+  ctx.change_systems = [](std::uint8_t old_systems, std::uint8_t new_systems) {
+    return ChangeNumberOfSystems(*prog().cfg, old_systems, new_systems);
+  };
   return ctx;
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "sysdata/sysdata.h"
+#include "tui/colours.h"
 #include "tui/menu.h"
 #include "tui/msgbox.h"
 
@@ -73,6 +74,15 @@ FieldDef TicArchiveSize() {
     return std::string();
   };
   return f;
+}
+
+// The preset a colour set came from, by its scheme number ("Quenmark" when none is set).
+std::string SchemeName(const PStr<40>& set) {
+  static const char* const kSchemes[] = {"Customized", "Quenmark",    "Norton",
+                                         "Novell",     "TurboVision", "Monochrome"};
+  const int scheme = set.len >= kSchemeNumber ? set.text[kSchemeNumber - 1] : kSchemeFirstPreset;
+  if (scheme < kSchemeCustomized || scheme > kSchemeLastPreset) return "Customized";
+  return kSchemes[scheme - kSchemeCustomized];
 }
 
 const char* const kLogStyles[] = {"FrontDoor",   "D'Bridge",        "RemoteAccess", "SuperBBS",
@@ -198,8 +208,7 @@ SettingsScreen MiscellaneousScreen(const SysdataContext& ctx) {
                           },
                       .show =
                           [](const std::uint8_t* rec) {
-                            const auto* cfg = reinterpret_cast<const KESTRAcfg*>(rec);
-                            return std::string(cfg->colourSet.len ? "Colour set" : "Default");
+                            return SchemeName(reinterpret_cast<const KESTRAcfg*>(rec)->colourSet);
                           }};
   return StackedScreen(
       "Miscellaneous", "Miscellaneous options",

@@ -229,7 +229,7 @@ SettingsScreen InternetScreen() {
   for (auto* f : {&fields[11], &fields[12], &fields[13], &fields[14], &fields[16]})
     f->prompt_col = 4;
   SettingsScreen s = StackedScreen("Internet settings", "Internet settings", std::move(fields),
-                                   kInternetTopic, kValueCol);
+                                   kInternetTopic, kValueCol + 3);
   constexpr int kSentQueue = 4;
   s.on_leave = [](const KESTRAcfg& cfg) -> std::optional<LeaveNote> {
     const std::string sent = cfg.internet.sentQueue.str();

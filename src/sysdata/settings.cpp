@@ -71,6 +71,11 @@ FieldDef Label(std::string text) {
 SettingsScreen StackedScreen(std::string name, std::string title, std::vector<FieldDef> fields,
                              int topic, int value_col, int width) {
   StackRows(fields, value_col);
+  // A long text scrolls in the room the window leaves it.
+  const int room = width - value_col + 1;
+  for (auto& f : fields)
+    if (!f.label && f.width == 0 && (f.type == Str || f.type == Path) && f.size > room)
+      f.width = room;
   const int height = std::min(kMaxRows, static_cast<int>(fields.size()));
   return {std::move(name), std::move(title), width, height, topic, std::move(fields), {}};
 }

@@ -198,7 +198,9 @@ NetAddr GetAddr(const FieldDef& f, const std::uint8_t* rec) {
   return a;
 }
 
+// An address not given (zone 0) shows as nothing.
 std::string AddrText(const FieldDef& f, const NetAddr& a) {
+  if (a.zone == 0) return {};
   if (f.zone_net) return std::to_string(a.zone) + ":" + std::to_string(a.net);
   return FormatAddr(a);
 }

@@ -13,14 +13,23 @@
 // edited in its old or its new state), the index must still refer to each of them, and
 // `Pack` (straight after a killed Index, after an Index otherwise) must keep them all.
 //
+// A change of "Number of systems" (200 to 100, then 200 to 255) on FAREAS and MAREAS is killed
+// the same way at each of its calls (write too, for setup.ksx); the change runs the dialogue of
+// the program on a virtual terminal in a child of this test (`kill_test --change-systems`), and
+// after each kill the real ksetup starts on the directory (`Index`), finishing or undoing the
+// change. setup.ksx must then hold the old or the new number, and both files exactly the
+// records of that number: every area once, its fixed part unchanged, its systems kept or cut.
+//
 // Exit status 0 when every kill passed, 1 on the first failure, 77 when strace or script is
 // missing.
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -33,6 +42,12 @@
 #include "common/recordext.h"
 #include "dbase/maintain.h"
 #include "dbase/recfiles.h"
+#include "shell/instance.h"
+#include "shell/program.h"
+#include "shell/systems_change.h"
+#include "tui/screen.h"
+#include "tui/ui.h"
+#include "tui/virtual_terminal.h"
 
 namespace fs = std::filesystem;
 using Bytes = std::string;
@@ -181,13 +196,8 @@ std::string Fresh(const std::string& base, const std::string& name) {
   return dir;
 }
 
-// The calls an uninterrupted run makes, as strace options that kill the program at one of
-// them, each call once (shuffled); then, up to `runs`, kills at random times of the run.
-std::vector<std::string> KillPoints(Op op, const std::string& base, std::size_t runs,
-                                    std::mt19937& random) {
-  const std::string dir = Fresh(base, "record");
-  const std::string trace = g_work + "trace";
-  RunKsetup(op, dir, "-o " + trace + " -e trace=pwrite64,ftruncate,fsync,rename,unlink");
+// Each call of an strace log as the strace option that kills the program at that call.
+std::vector<std::string> PointsOfTrace(const std::string& trace) {
   std::map<std::string, int> seen;
   std::vector<std::string> points;
   std::istringstream in(ReadFile(trace));
@@ -199,6 +209,17 @@ std::vector<std::string> KillPoints(Op op, const std::string& base, std::size_t 
     if (call.find('(') != std::string::npos)
       points.push_back("-e inject=" + name + ":signal=KILL:when=" + std::to_string(++seen[name]));
   }
+  return points;
+}
+
+// The calls an uninterrupted run makes, as strace options that kill the program at one of
+// them, each call once (shuffled); then, up to `runs`, kills at random times of the run.
+std::vector<std::string> KillPoints(Op op, const std::string& base, std::size_t runs,
+                                    std::mt19937& random) {
+  const std::string dir = Fresh(base, "record");
+  const std::string trace = g_work + "trace";
+  RunKsetup(op, dir, "-o " + trace + " -e trace=pwrite64,ftruncate,fsync,rename,unlink");
+  std::vector<std::string> points = PointsOfTrace(trace);
   std::shuffle(points.begin(), points.end(), random);
   if (points.size() >= runs || (op != Op::kIndex && op != Op::kPack)) {
     points.resize(std::min(points.size(), runs));
@@ -267,9 +288,140 @@ bool Check(const std::string& dir, const std::map<std::string, Bytes>& expected,
   return true;
 }
 
+// The change of "Number of systems".
+constexpr int kChangeFileechos = 800, kChangeEchoAreas = 100;
+constexpr std::size_t kFrom = 200;
+std::string g_self;
+
+// An area file made from the fixed part of `model`: `count` areas "AREA<n>" with
+// min((n * 37) % 201, cap) systems 2:n/s, at `systems` slots per record.
+Bytes AreaFile(const ks::RecordFileDef& def, const Bytes& model, int count, std::size_t systems,
+               std::size_t cap) {
+  Bytes out;
+  for (int n = 0; n < count; ++n) {
+    Bytes rec = model.substr(0, def.fixed_size);
+    rec.resize(def.RecordSize(systems), '\0');
+    char tag[16];
+    const int len = std::snprintf(tag, sizeof tag, "AREA%06d", n);
+    rec[0] = static_cast<char>(len);
+    rec.replace(1, static_cast<std::size_t>(len), tag);
+    const std::size_t used = std::min<std::size_t>((n * 37) % 201, std::min(cap, systems));
+    for (std::size_t s = 0; s < used; ++s) {
+      char* slot = &rec[def.fixed_size + s * 9];
+      slot[0] = 2;
+      slot[2] = static_cast<char>(n & 0xFF);
+      slot[3] = static_cast<char>(n >> 8);
+      slot[4] = static_cast<char>(s + 1);
+      slot[8] = 0x05;
+    }
+    out += rec;
+  }
+  return out;
+}
+
+const ks::RecordFileDef& kMA = ks::FileDef(ks::RecordFileId::kMAreas);
+
+// What FAREAS and MAREAS hold at `systems` slots when the change started from kFrom.
+std::pair<Bytes, Bytes> AreaFiles(const std::string& models, std::size_t systems) {
+  return {AreaFile(kFA, ReadFile(models + "FAREAS.KSX"), kChangeFileechos, systems, kFrom),
+          AreaFile(kMA, ReadFile(models + "MAREAS.KSX"), kChangeEchoAreas, systems, kFrom)};
+}
+
+// A program directory of the demo with both area files at kFrom systems.
+void MakeChangeBase(const std::string& mkdemo, const std::string& dir) {
+  Run(Quote(mkdemo) + " " + Quote(dir) + " >/dev/null");
+  const auto [fa, ma] = AreaFiles(dir, kFrom);
+  std::ofstream(dir + "FAREAS.KSX", std::ios::binary) << fa;
+  std::ofstream(dir + "MAREAS.KSX", std::ios::binary) << ma;
+  ks::BuildIndex(dir, "FAREAS", kFA.RecordSize(kFrom), kFA.keys);
+  ks::BuildIndex(dir, "MAREAS", kMA.RecordSize(kFrom), kMA.keys);
+}
+
+// The child: the program's own dialogue on a virtual terminal, answered "Yes".
+int ChangeSystemsChild(const std::string& dir, int to) {
+  ks::record_extensions() = {"KSX", "IDX"};
+  ks::ResetProgram();
+  ks::Program& p = ks::prog();
+  p.exe_path = dir;
+  p.cfg = std::make_unique<ks::KESTRAcfg>();
+  const Bytes setup = ReadFile(dir + "setup.ksx");
+  std::memcpy(static_cast<void*>(p.cfg.get()), setup.data(),
+              std::min(setup.size(), sizeof(ks::KESTRAcfg)));
+  ks::InstanceLock lock(dir);
+  p.instance = &lock;
+  ks::VirtualTerminal vt(80, 25);
+  ks::Screen screen(vt);
+  ks::UiScope scope(screen);
+  vt.Keys("y");
+  const bool changed = ks::ChangeNumberOfSystems(*p.cfg, kFrom, static_cast<std::uint8_t>(to));
+  p.instance = nullptr;
+  return changed ? 0 : 1;
+}
+
+// Runs the change to `to` on `dir`, under strace when `kill` names strace options.
+void RunChange(const std::string& dir, int to, const std::string& kill) {
+  const std::string child =
+      g_self + " --change-systems " + dir + " " + std::to_string(to) + " >/dev/null 2>&1";
+  Run(kill.empty() ? child : "strace -f -o /dev/null " + kill + " " + child);
+}
+
+// After the program has started on `dir` again: the number in setup.ksx and both files agree,
+// with exactly the areas of the base. Sets `changed` when the new number holds.
+bool CheckChange(const std::string& dir, const std::string& base, int to, bool& changed) {
+  const Bytes setup = ReadFile(dir + "setup.ksx");
+  if (setup.size() != sizeof(ks::KESTRAcfg)) return Fail("setup.ksx missing or torn");
+  const auto systems = static_cast<std::uint8_t>(setup[offsetof(ks::KESTRAcfg, numberOfSystems)]);
+  if (systems != kFrom && systems != to)
+    return Fail("setup.ksx holds " + std::to_string(systems) + " systems");
+  changed = systems == to;
+  const auto [fa, ma] = AreaFiles(base, systems);
+  if (ReadFile(dir + "FAREAS.KSX") != fa)
+    return Fail("FAREAS.KSX does not hold the fileechos at " + std::to_string(systems));
+  if (ReadFile(dir + "MAREAS.KSX") != ma)
+    return Fail("MAREAS.KSX does not hold the echomail areas at " + std::to_string(systems));
+  for (const auto& e : fs::directory_iterator(dir))
+    if (e.path().filename().string().find(".resize") != std::string::npos)
+      return Fail(e.path().filename().string() + " left behind");
+  return true;
+}
+
+// Kills the change at each of its calls; returns the failures.
+int KillChange(const std::string& mkdemo, int to) {
+  const std::string base = g_work + "systems-base/";
+  fs::create_directories(base);
+  MakeChangeBase(mkdemo, base);
+  const std::string record = Fresh(base, "record");
+  const std::string trace = g_work + "trace";
+  RunChange(record, to, "-o " + trace + " -e trace=pwrite64,ftruncate,fsync,rename,unlink,write");
+  bool changed = false;
+  if (!CheckChange(record, base, to, changed) || !changed) {
+    std::printf("FAIL change to %d without a kill: %s\n", to, changed ? g_why.c_str() : "not done");
+    return 1;
+  }
+  const std::vector<std::string> points = PointsOfTrace(trace);
+  int done = 0;
+  for (const std::string& point : points) {
+    const std::string dir = Fresh(base, "run");
+    RunChange(dir, to, point);
+    bool ok = RunKsetup(Op::kIndex, dir, "") || Fail("ksetup failed");
+    ok = ok && CheckChange(dir, base, to, changed);
+    if (!ok) {
+      std::printf("FAIL change to %d killed at %s: %s (files kept in %s)\n", to, point.c_str(),
+                  g_why.c_str(), dir.c_str());
+      return 1;
+    }
+    done += changed;
+  }
+  std::printf("Number of systems 200 to %d: %zu kills, the change stood after %d of them\n", to,
+              points.size(), done);
+  return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (argc == 4 && std::string(argv[1]) == "--change-systems")
+    return ChangeSystemsChild(argv[2], std::atoi(argv[3]));
   if (argc < 5) {
     std::fprintf(stderr, "usage: kill_test <ksetup> <mkdemo> <fileechos> <kills> [seed]\n");
     return 2;
@@ -323,6 +475,9 @@ int main(int argc, char** argv) {
                 points.size(), points.size() - timed, timed);
   }
   std::printf("%d of the runs ended before their kill point\n", ended);
+  g_self = fs::absolute(argv[0]);
+  for (int to : {100, 255})
+    if (!failures) failures += KillChange(argv[2], to);
   if (!failures) fs::remove_all(g_work);
   return failures ? 1 : 0;
 }

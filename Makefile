@@ -66,6 +66,7 @@ fuzz: deps
 bench: build
 	$(BUILD)/bench_startup $(BUILD)/ksetup $(BUILD)
 	$(BUILD)/bench_dbase
+	$(BUILD)/bench_systems
 	$(BUILD)/bench_list
 	$(BUILD)/bench_propagation
 

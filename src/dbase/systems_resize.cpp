@@ -1,5 +1,6 @@
 #include "dbase/systems_resize.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -144,6 +145,9 @@ bool WriteResizedFile(const AreaFileSurvey& s, const ResizeProgress& progress, s
   RawFile out;
   if (!out.Open(temp, RawFile::Mode::kCreate))
     return Fail(error, BaseName(temp) + ": " + std::strerror(errno));
+  // The new file takes the place of the old one with its permissions.
+  struct stat st;
+  if (::stat(s.path.c_str(), &st) == 0) ::chmod(temp.c_str(), st.st_mode & 07777);
   // Whole records go out in blocks of about kChunk bytes.
   const std::size_t count = in.size() / in_size;
   const std::size_t batch = std::max<std::size_t>(1, kChunk / out_size);

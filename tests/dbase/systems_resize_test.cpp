@@ -43,10 +43,6 @@ TEST(SystemsResize, SurveyDecidesByTheFileSize) {
     EXPECT_EQ(s.losing, c.losing) << c.what;
     EXPECT_EQ(s.error.empty(), c.action != ResizeAction::kError) << c.what;
   }
-  test::RecordDir dir;
-  dir.Write("FAREAS.KSX", std::string(2539 * 3 + 1, '\0'));
-  EXPECT_EQ(SurveyAreaFiles(dir.path(), 200, 100)[0].error,
-            "FAREAS.KSX: 7618 bytes is not a whole number of 2539-byte records");
 }
 
 // Each record keeps its fixed part and as many systems as fit; the index built before stays

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "app_fixture.h"
 #include "common/fileutil.h"
 #include "common/recordext.h"
 #include "dbase/area_image.h"
@@ -10,6 +9,7 @@
 #include "shell/instance.h"
 #include "shell/program.h"
 #include "shell/setupfile.h"
+#include "tempdir.h"
 #include "vt_fixture.h"
 
 namespace ks {
@@ -144,26 +144,6 @@ TEST_F(SystemsChangeTest, StoreWritesTheWholeRecordOnlyWhenItMust) {
     EXPECT_EQ(OnDisk().numberOfSystems, 77);
     EXPECT_EQ(OnDisk().logStyle, whole ? cfg_.logStyle : NewSetupRecord().logStyle);
   }
-}
-
-class SystemsStartUpTest : public test::AppTest {};
-
-// At start-up a change stored in setup.ksx is finished, and one that was not is undone,
-// before the area files are used.
-TEST_F(SystemsStartUpTest, InterruptedChangeIsFinishedOrUndone) {
-  KESTRAcfg cfg{};
-  FillNewDefaults(cfg);
-  cfg.addresses[0] = {2, 280, 5555, 0};
-  cfg.numberOfSystems = 100;
-  WriteSetup(cfg);
-  dir_.Write("FAREAS.KSX", AreaImage(kFA, 200, kFileechos));
-  dir_.Write("FAREAS.KSX.resize100", AreaImage(kFA, 100, kFileechos));
-  dir_.Write("MAREAS.KSX", AreaImage(kMA, 200, kEchoAreas));
-  dir_.Write("MAREAS.KSX.resize200", AreaImage(kMA, 200, kEchoAreas));
-  EXPECT_EQ(Run({"Index"}, ""), 0);
-  EXPECT_TRUE(ReadWholeFile(dir_ / "FAREAS.KSX") == AreaImage(kFA, 100, kFileechos));
-  EXPECT_TRUE(ReadWholeFile(dir_ / "MAREAS.KSX") == AreaImage(kMA, 200, kEchoAreas));
-  EXPECT_FALSE(dir_.Has("FAREAS.KSX.resize100") || dir_.Has("MAREAS.KSX.resize200"));
 }
 
 }  // namespace

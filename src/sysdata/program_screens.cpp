@@ -132,7 +132,7 @@ SettingsScreen ProgramRowScreen(int row) {
            "Uncompression command line switches for not creating archived directories"),
       Label("Recognition"),
       {.type = Str,
-       .offset = static_cast<std::uint16_t>(a),
+       .offset = static_cast<std::uint16_t>(a + offsetof(ArchiverDef, signature)),
        .size = kSignatureLength,
        .picture = kSignaturePicture,
        .prompt = "Signature",

@@ -76,7 +76,8 @@ SettingsScreen UplinkScreen(const SysdataContext& ctx, int slot) {
        .help = "Type of areas file",
        .choices = {"Tag file: <Area> <Description>", "FILEBONE.NA format"}},
       AddressPickField(
-          {.offset = Member(slot, offsetof(U, originAka)),
+          {.type = Aka,
+           .offset = Member(slot, offsetof(U, originAka)),
            .prompt = "Origin address",
            .help = "Which AKA should be used as origin address for the uplink request messages"},
           ctx),

@@ -538,6 +538,182 @@ case_resize() {
   grep -qa "FidoNet related software XYZ" "$d/FAREAS.KSX" || fail "the edit did not reach FAREAS.KSX"
 }
 
+# ---- settings screens -----------------------------------------------------------------------
+
+u8_at() { od -An -tu1 -j "$2" -N1 "$1" | tr -d ' '; }
+u16_at() { od -An -tu2 -j "$2" -N2 "$1" | tr -d ' '; }
+# pstr_at FILE OFFSET: the length-prefixed string at OFFSET.
+pstr_at() { dd if="$1" bs=1 skip=$(($2 + 1)) count="$(u8_at "$1" "$2")" status=none; }
+
+# wait_byte FILE OFFSET VALUE: until the byte at OFFSET of FILE is VALUE.
+wait_byte() {
+  local i
+  for ((i = 0; i < TIMEOUT_TICKS; i++)); do
+    [ "$(u8_at "$1" "$2")" = "$3" ] && return 0
+    sleep 0.05
+  done
+  WHY="byte $2 of $1 is $(u8_at "$1" "$2"), not $3"
+  return 1
+}
+
+# open_item TITLE [DOWNS]: from a menu, highlights the item DOWNS rows down and waits for the
+# window titled TITLE.
+open_item() {
+  local i
+  for ((i = 0; i < ${2:-0}; i++)); do keys Down; done
+  keys Enter
+  wait_text " $1 ═"
+}
+
+case_settings() {
+  local d
+  d=$(demo_dir) || fail "mkdemo failed" || return 1
+  start settings "$d"
+  wait_text "Miscellaneous system parameters" 25 || return 1
+  open_item "System data" || return 1
+  # A main address shorter than the old one, a fake point and the BBS name.
+  open_item "Address maint" || return 1
+  open_item "Addresses" || return 1
+  keys "2:280/9" Down 7 Escape
+  wait_text "Main address, fake point" 25 || return 1
+  open_item "Site information" 1 || return 1
+  keys "Test BBS" Escape
+  open_item "Aka matching" 1 || return 1
+  esc 1
+  open_item "Domain names" 1 || return 1
+  esc 2
+  wait_text "Network address, domain, site information" 25 || return 1
+  # Every other item opens its window; the message base path is typed in part 1.
+  open_item "Pathnames" 1 || return 1
+  keys "$d" Escape
+  local item
+  for item in "Pathnames" "Filenames" "Internet settings" "Origin lines" \
+    "External programs (OS2)" "External program options" "Global options" \
+    "Miscellaneous options"; do
+    open_item "$item" 1 || return 1
+    esc 1
+  done
+  esc 1
+  # The header shows the new main address, with nothing left of the longer old one.
+  wait_text "Miscellaneous system parameters" 25 || return 1
+  case $(row 2) in *" 2:280/9 ║") ;; *) fail "header row 2: $(row 2)" || return 1 ;; esac
+  # The items of the other menus.
+  open_item "Request processor" 7 || return 1
+  esc 1
+  keys Up Up Up Up Enter
+  wait_text "═ Fileecho system ═" || return 1
+  local n
+  for n in "Fileecho options:1" "LongDesc options:1" "AreaMgr uplink manager:4" "Uplink options:1"; do
+    open_item "${n%:*}" "${n#*:}" || return 1
+    esc 1
+  done
+  esc 1
+  keys Up
+  open_item "Echomail system" || return 1
+  open_item "Echomail options" 1 || return 1
+  esc 2
+  keys F10
+  wait_exit || return 1
+  [ "$(u16_at "$d/setup.ksx" 17104)" = 2 ] && [ "$(u16_at "$d/setup.ksx" 17108)" = 9 ] ||
+    fail "main address not 2:280/9" || return 1
+  [ "$(u16_at "$d/setup.ksx" 17616)" = 7 ] || fail "fake point not 7" || return 1
+  [ "$(pstr_at "$d/setup.ksx" 1216)" = "Test BBS" ] || fail "BBS name not saved" || return 1
+  [ "$(pstr_at "$d/setup.ksx" 123)" = "$d/" ] || fail "MSG path not saved"
+}
+
+case_settings_checks() {
+  local d
+  d=$(demo_dir) || fail "mkdemo failed" || return 1
+  mkdir "$d/in" "$d/out" "$d/sent"
+  start checks "$d"
+  wait_text "Miscellaneous system parameters" 25 || return 1
+  open_item "System data" || return 1
+  # Inbound and Queue path alike: the Queue warning comes first; the values stay.
+  open_item "Pathnames" 1 || return 1
+  keys Down Down Down "$d/in" PageDown "$d/in" Escape
+  wait_text "The Queue path must be a unique directory." || return 1
+  keys Enter
+  wait_text "Message base, netmail" 25 || return 1
+  # The Sent queue must differ from the Out queue: the page stays open on it.
+  open_item "Internet settings" 3 || return 1
+  keys Down Down Down "$d/out" Down "$d/out" F10
+  wait_text "The Sent queue must be different from the Out queue" || return 1
+  keys Enter
+  wait_text "store sent emails" 25 || return 1
+  keys "$d/sent" F10
+  wait_text "Internet address, email program" 25 || return 1
+  # Ctrl-F finds a setting by a word of its help line and opens it on its field.
+  keys C-f
+  wait_text "Find setting:" || return 1
+  keys "phone number" Enter
+  wait_text "Site information » Phone 2" || return 1
+  keys Down Enter
+  wait_text "The phone number of the BBS system, line 2" 25 || return 1
+  keys 555 Escape
+  wait_text "Site information » Phone 1" || return 1
+  esc 2
+  keys F10
+  wait_exit || return 1
+  [ "$(pstr_at "$d/setup.ksx" 428)" = "$d/in/" ] && [ "$(pstr_at "$d/setup.ksx" 184)" = "$d/in/" ] ||
+    fail "paths not kept" || return 1
+  [ "$(pstr_at "$d/setup.ksx" 1407)" = "555" ] || fail "Phone 2 not saved"
+}
+
+# global_systems: from the main menu to the "Number of systems" field of Global options.
+global_systems() {
+  open_item "System data" || return 1
+  open_item "Global options" 8 || return 1
+  keys Down Down Down Down Down Down Down Down
+  wait_text "maximum number of systems" 25
+}
+
+case_number_of_systems() {
+  local d fa ma
+  d=$(demo_dir) || fail "mkdemo failed" || return 1
+  fa=$(stat -c %s "$d/FAREAS.KSX")
+  ma=$(stat -c %s "$d/MAREAS.KSX")
+  start systems "$d"
+  wait_text "Miscellaneous system parameters" 25 || return 1
+  global_systems || return 1
+  # No keeps everything.
+  keys 0 Enter
+  wait_text "!! Warning !!" || return 1
+  wait_text "from 200 to 0" || return 1
+  wait_text "5 fileechos" || return 1
+  wait_text "hold more systems than that;" || return 1
+  keys Enter
+  wait_text "maximum number of systems" 25 || return 1
+  [ "$(stat -c %s "$d/FAREAS.KSX")" = "$fa" ] || fail "FAREAS changed after No" || return 1
+  # Yes rewrites both files and stores the number in setup.ksx at once.
+  keys 0 Enter
+  wait_text "!! Warning !!" || return 1
+  keys Y
+  wait_byte "$d/setup.ksx" 9334 0 || return 1
+  wait_text "Log style" || return 1
+  [ $(($(stat -c %s "$d/FAREAS.KSX") * 2539)) = $((fa * 739)) ] || fail "FAREAS not rewritten" || return 1
+  [ $(($(stat -c %s "$d/MAREAS.KSX") * 2767)) = $((ma * 967)) ] || fail "MAREAS not rewritten" || return 1
+  esc 2
+  keys F9
+  wait_exit || return 1
+  # setup.ksx told 50 while the files hold 200 systems: changing it to 200 finds them fitting.
+  d=$(demo_dir) || return 1
+  printf '\062' | dd of="$d/setup.ksx" bs=1 seek=9334 conv=notrunc status=none
+  fa=$(cksum <"$d/FAREAS.KSX")
+  start fitting "$d"
+  wait_text "Miscellaneous system parameters" 25 || return 1
+  global_systems || return 1
+  keys 200 Enter
+  wait_text "!! Warning !!" || return 1
+  keys Y
+  wait_text "No changes necessary to data file" || return 1
+  wait_text "FAREAS.KSX" || return 1
+  keys Enter
+  wait_text "MAREAS.KSX" || return 1
+  keys Enter
+  wait_byte "$d/setup.ksx" 9334 200 || return 1
+  [ "$(cksum <"$d/FAREAS.KSX")" = "$fa" ] || fail "FAREAS changed"
+}
+
 [ -x "$MKDEMO" ] || { echo "FAIL setup: $MKDEMO not built"; exit 1; }
 tmx new-session -d -s idle -x 80 -y 25 || { echo "FAIL setup: tmux server did not start"; exit 1; }
 
@@ -551,6 +727,9 @@ run_case "Index rebuilds a damaged index, Pack drops a deleted record" case_inde
 run_case "FileFind areas and hatch manager: add, edit, delete" case_lists
 run_case "fileecho and node managers: connect a new node, change its address" case_fileecho_node
 run_case "resizes in the main menu and in a fileecho page, below 80x25 and back" case_resize
+run_case "every settings screen opens; typed values reach setup.ksx; header address" case_settings
+run_case "path and queue warnings, Ctrl-F finds and opens a setting" case_settings_checks
+run_case "Number of systems: No, Yes with systems cut, already fitting" case_number_of_systems
 
 if [ "$failures" -gt 0 ]; then
   echo "$failures case(s) failed"

@@ -392,7 +392,7 @@ bool ManagerOBJ::EditRecord(bool adding, int editing) {
 }
 
 void ManagerOBJ::DeleteFlow() {
-  if (MessageBox("Delete this entry?", {"No", "Yes"}) != 'Y') return;
+  if (ui().confirm_delete && MessageBox("Delete this entry?", {"No", "Yes"}) != 'Y') return;
   if (on_delete && !on_delete(record_.data())) return;
   const int pos = db_->current();
   if (db_->Remove(pos) && companion_) companion_->Remove(pos);

@@ -26,7 +26,7 @@ ListContext MakeListContext() {
   static const char* const kArchiverNames[kArchiverCount] = {"ARC", "ARJ", "LZH", "PAK", "ZIP",
                                                              "SQZ", "7",   "8",   "9",   "10"};
   for (std::size_t i = 0; i < kArchiverCount; ++i) {
-    const std::string ext = p.cfg->dosPrograms.archivers[i].extension.str();
+    const std::string ext = p.cfg->os2Programs.archivers[i].extension.str();
     ctx.archivers.push_back(ext.empty() ? kArchiverNames[i] : ext);
   }
   ctx.bbs_file_database = p.cfg->logStyle == lsWildCat;
@@ -76,9 +76,19 @@ SysdataContext MakeSysdataContext() {
   return ctx;
 }
 
-// A settings screen opened with the context of the moment.
+// The choices of "Miscellaneous" that KSETUP itself follows.
+void ApplyUiOptions(const KESTRAcfg& cfg) {
+  ui().confirm_delete = cfg.confirmDelete != 0;
+  ui().offer_create_dirs = cfg.createMissingDirs != 0;
+  ui().beep_on_error = cfg.beepOnError != 0;
+}
+
+// A settings screen opened with the context of the moment; its choices apply at once.
 std::function<void()> Settings(void (*run)(const SysdataContext&)) {
-  return [run] { run(MakeSysdataContext()); };
+  return [run] {
+    run(MakeSysdataContext());
+    ApplyUiOptions(*prog().cfg);
+  };
 }
 
 }  // namespace
@@ -104,9 +114,11 @@ void RegisterScreens() {
   Fill(acts.echomail[2], Settings(RunEchomailOptions));
   ui().find_setting = [] {
     RunFindSetting(MakeSysdataContext());
+    ApplyUiOptions(*prog().cfg);
     WriteHeaderAddress(*prog().cfg);
   };
   group_source() = Groups;
+  ApplyUiOptions(*prog().cfg);
   file_area_source() = [] { return LoadBbsFileAreas(prog().DataDir()); };
 }
 

@@ -608,4 +608,8 @@ std::unique_ptr<CursesTerminal> OpenCursesTerminal(const CursesOptions& options)
   return term;
 }
 
+void CursesTerminal::Beep() {
+  ::beep();
+}
+
 }  // namespace ks

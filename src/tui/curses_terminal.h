@@ -36,6 +36,7 @@ class CursesTerminal final : public Terminal {
   std::uint8_t ReadByte() override;
   bool KeyWaiting() override;
   void SetMonochrome(bool mono) override;
+  void Beep() override;
   void Close(int keepRows) override;
 
   // Leaves full-screen mode for a while, to let another program use the terminal; Resume

@@ -395,7 +395,8 @@ bool CommitAddr(const FieldDef& f, const std::string& text, std::uint8_t* rec, b
 bool CommitPath(const FieldDef& f, const std::string& text, std::uint8_t* rec, bool ask) {
   const std::string path = AddSlash(text);
   if (static_cast<int>(path.size()) > StrCapacity(f)) return Refuse(ask, "Path too long");
-  if (ask && !path.empty() && !DirExists(path) && AskYesNo("Create directory?") && !MakeDirs(path))
+  if (ask && ui().offer_create_dirs && !path.empty() && !DirExists(path) &&
+      AskYesNo("Create directory?") && !MakeDirs(path))
     return Refuse(ask, "Error creating directory");
   SetStr(f, rec, path);
   return true;

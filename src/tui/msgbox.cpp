@@ -163,6 +163,7 @@ std::uint8_t MessageBoxLines(std::vector<std::string> lines, std::vector<std::st
 }
 
 void ErrorBox(std::string_view text, std::uint8_t topic) {
+  if (ui().beep_on_error && ui().screen) scr().terminal().Beep();
   MessageBoxSpec box;
   if (!text.empty() && text.front() == '/')
     box.lines = {std::string(text.substr(1))};

@@ -42,6 +42,8 @@ class Terminal {
 
   // Monochrome rendering: attributes become plain, bold and reverse video instead of colours.
   virtual void SetMonochrome(bool mono) = 0;
+  // Sounds the terminal's bell.
+  virtual void Beep() {}
 
   // Leaves full-screen mode. The top `keepRows` rows of the last presented cells stay on the
   // terminal, the rest of it is cleared and the cursor waits at the start of the next row.

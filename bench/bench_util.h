@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <exception>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -106,4 +107,19 @@ inline std::vector<std::uint8_t> ReadWhole(const std::string& path) {
   ::close(fd);
   return bytes;
 }
+
+// The main function of a benchmark: the number of runs from the first argument (default 5),
+// and a message and status 1 for an error.
+inline int BenchMain(int argc, char** argv, const char* name, int (*run)(int runs)) {
+  const int runs = argc > 1 ? std::max(1, std::atoi(argv[1])) : 5;
+  try {
+    return run(runs);
+  } catch (const ks::ProgramHalt& halt) {
+    return halt.status ? halt.status : 1;
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "%s: %s\n", name, e.what());
+    return 1;
+  }
+}
+
 }  // namespace bench

@@ -471,13 +471,5 @@ int Run(int runs) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const int runs = argc > 1 ? std::max(1, std::atoi(argv[1])) : 5;
-  try {
-    return Run(runs);
-  } catch (const ProgramHalt& halt) {
-    return halt.status ? halt.status : 1;
-  } catch (const std::exception& e) {
-    std::fprintf(stderr, "bench_dbase: %s\n", e.what());
-    return 1;
-  }
+  return bench::BenchMain(argc, argv, "bench_dbase", Run);
 }

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
-#include <sstream>
 #include <string>
 
+#include "common/wordwrap.h"
 #include "sysdata/sysdata.h"
 #include "tui/colours.h"
 #include "tui/menu.h"
@@ -95,28 +95,13 @@ constexpr const char* kExampleText =
 constexpr int kDefaultLongDescWidth = 45;
 constexpr std::size_t kExampleWidth = 70;  // what a message box shows of a line
 
-// `text` broken into lines of at most `width` characters at blanks.
-std::vector<std::string> Wrap(const std::string& text, std::size_t width) {
-  std::vector<std::string> lines;
-  std::istringstream words(text);
-  std::string word, line;
-  while (words >> word) {
-    if (!line.empty() && line.size() + 1 + word.size() > width) {
-      lines.push_back(line);
-      line.clear();
-    }
-    line += (line.empty() ? "" : " ") + word;
-  }
-  if (!line.empty()) lines.push_back(line);
-  return lines;
-}
-
 }  // namespace
 
 std::vector<std::string> LongDescExample(const KESTRAcfg& cfg) {
   const std::size_t width = cfg.longDescWidth ? cfg.longDescWidth : kDefaultLongDescWidth;
-  std::vector<std::string> desc =
-      cfg.oneLineLongDesc ? std::vector<std::string>{kExampleText} : Wrap(kExampleText, width);
+  std::vector<std::string> desc = cfg.oneLineLongDesc
+                                      ? std::vector<std::string>{kExampleText}
+                                      : WrapWords(kExampleText, static_cast<int>(width));
   if (cfg.maxLongDescLines && desc.size() > cfg.maxLongDescLines) desc.resize(cfg.maxLongDescLines);
   std::string lead(cfg.longDescSpacesBefore, ' ');
   if (cfg.longDescChar) lead += static_cast<char>(cfg.longDescChar);

@@ -19,6 +19,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "common/wordwrap.h"
 #include "tui/attr_map.h"
 #include "tui/console.h"
 #include "tui/keydecode.h"
@@ -110,26 +111,6 @@ void PrepareResetString() {
   const std::size_t n = std::min(reset.size(), sizeof g_resetString);
   std::memcpy(g_resetString, reset.data(), n);
   g_resetLength = n;  // only now, so that a signal never sees half a string
-}
-
-// Words of `text` in lines of at most `width` characters.
-std::vector<std::string> WrapWords(const std::string& text, int width) {
-  std::vector<std::string> lines;
-  std::string line;
-  std::size_t pos = 0;
-  while (pos < text.size()) {
-    std::size_t end = text.find(' ', pos);
-    if (end == std::string::npos) end = text.size();
-    std::string word = text.substr(pos, end - pos);
-    pos = end + 1;
-    if (!line.empty() && static_cast<int>(line.size() + 1 + word.size()) > width) {
-      lines.push_back(line);
-      line.clear();
-    }
-    line += (line.empty() ? "" : " ") + word;
-  }
-  if (!line.empty()) lines.push_back(line);
-  return lines;
 }
 
 }  // namespace

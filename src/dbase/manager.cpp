@@ -336,6 +336,7 @@ void ManagerOBJ::AddFlow(bool copy) {
   } else {
     std::fill(edit_.begin(), edit_.end(), std::uint8_t{0});
     if (init) init(edit_.data());
+    if (choose_new && !choose_new(edit_.data())) return;
   }
   EditRecord(true, -1);
 }
@@ -356,8 +357,14 @@ bool ManagerOBJ::EditRecord(bool adding, int editing) {
   Screen& s = scr();
   const auto& c = ui().colours;
   s.FillRect(left_ + 1, top_ + 1, right_ - 1, bottom_ - 1, ' ', c[kWindowText]);
-  DrawWindow(adding ? "Adding new entry" : "Editing entry");
+  std::string title = adding ? "Adding new entry" : "Editing entry";
+  if (numbered_title) {
+    const int total = db_->count() + (adding ? 1 : 0);
+    title += " " + std::to_string(adding ? total : editing + 1) + "/" + std::to_string(total);
+  }
+  DrawWindow(title);
   const std::vector<std::uint8_t> original = edit_;
+  if (on_open) on_open(original.data(), adding);
   int first = 0;
   bool saved = false;
   for (;;) {
@@ -383,6 +390,7 @@ bool ManagerOBJ::EditRecord(bool adding, int editing) {
       else
         MoveRow(editing, db_->current());
       saved = true;
+      if (after_save) after_save(edit_.data(), adding);
       break;
     }
     ErrorBox("Error writing the entry to disk");
@@ -575,7 +583,7 @@ std::string ViewMgrOBJ::Row(int pos) {
 PickList ViewMgrOBJ::List(std::vector<bool>* marks) {
   PickList list;
   list.title = "View";
-  list.header = Header();
+  list.header = (marks ? "  " : "") + Header();
   list.count = mgr_.db_->count();
   list.row = [this](int pos) { return Row(pos); };
   list.marks = marks;

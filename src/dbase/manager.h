@@ -78,6 +78,8 @@ class ManagerOBJ {
   // writes): Enter, Ins and F6 do nothing.
   bool view_only = false;
   int topic = 0;  // F1
+  // The edit page's title carries the entry's place and the count: "Editing entry 3/12".
+  bool numbered_title = false;
   // Further keys the manager offers, shown at the right of the window's bottom frame
   // ("~F2~-global").
   std::string key_line;
@@ -86,6 +88,13 @@ class ManagerOBJ {
 
   // Callbacks (all optional).
   std::function<void(std::uint8_t* rec)> init;  // InitProc: defaults of a new record
+  // Asked before the page of a new entry (not a copy) opens, after `init`: settles what the
+  // entry is (the kind of a magic file name); false cancels the add.
+  std::function<bool(std::uint8_t* rec)> choose_new;
+  // An entry's page opens on `rec` (a new entry: adding is true) and, after a save, the entry
+  // as saved. The group manager renumbers a group across the setup with these two.
+  std::function<void(const std::uint8_t* rec, bool adding)> on_open;
+  std::function<void(const std::uint8_t* rec, bool adding)> after_save;
   // CheckFieldsType: validates a record before it is saved; returns -1 when it may be saved,
   // else the index of the field at fault (after showing its own message).
   std::function<int(std::uint8_t* rec, bool adding)> check;

@@ -6,18 +6,9 @@
 #include <cstdint>
 #include <string>
 
-#include "dbase/recfiles.h"
+#include "dbase/maintenance_order.h"
 
 namespace ks {
-
-struct MaintenanceStatus {
-  RecordFileId file;
-  const char* index_status;  // status line while its index is rebuilt
-  const char* pack_status;   // status line while its data file is packed
-};
-
-// The ten files in the order the commands visit them, with their status lines.
-const std::array<MaintenanceStatus, kRecordFileCount>& MaintenanceOrder();
 
 // Visits the ten files in `dir`: each that opens (both files present) has its index rebuilt
 // (index true) or its data packed and its index rebuilt; the others are skipped silently.

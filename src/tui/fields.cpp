@@ -605,7 +605,8 @@ bool EditPage::Editable(int i, const std::uint8_t* rec) const {
   if (i < 0 || i >= static_cast<int>(fields_.size()) || broken_[static_cast<std::size_t>(i)])
     return false;
   const FieldDef& f = field(i);
-  return !f.label && InputOf(f) != Input::kShowOnly && (!f.applies || f.applies(rec));
+  return !f.label && InputOf(f) != Input::kShowOnly && (!f.applies || f.applies(rec)) &&
+         (!f.shown || f.shown(rec));
 }
 
 void EditPage::SetView(int top, int rows, int left, int cols) {
@@ -637,11 +638,20 @@ void EditPage::Draw(const std::uint8_t* rec, int left, int top) const {
     s.FillRect(left + view_left_, top + view_top_, left + view_left_ + view_cols_ - 1,
                top + view_top_ + view_rows_ - 1, ' ', c[kWindowText]);
   const int shown_top = top - scroll_top_;
+  // Hidden fields are blanked first, so that a field shown in the same place is drawn over.
+  for (const FieldDef& f : fields_) {
+    if (!f.shown || f.shown(rec) || !Visible(f)) continue;
+    const std::string blank(f.mark.size() + f.prompt.size(), ' ');
+    s.WriteStr(left + f.prompt_col, shown_top + f.row, c[kWindowText], blank);
+    if (!f.label)
+      s.WriteStr(left + f.col, shown_top + f.row, c[kWindowText],
+                 std::string(static_cast<std::size_t>(std::max(0, Width(f))), ' '));
+  }
   int last_row = 0;
   for (int i = 0; i < static_cast<int>(fields_.size()); ++i) {
     const FieldDef& f = field(i);
     last_row = std::max(last_row, f.row);
-    if (!Visible(f)) continue;
+    if (!Visible(f) || (f.shown && !f.shown(rec))) continue;
     if (!f.prompt.empty() || !f.mark.empty())
       s.WriteStr(left + f.prompt_col, shown_top + f.row, c[kWindowText], f.mark + f.prompt);
     if (!f.label) DrawValue(*this, f, rec, left, shown_top, c[kWindowData]);

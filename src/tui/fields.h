@@ -60,6 +60,10 @@ struct FieldDef {
   bool na_when_empty = false;        // shows "n/a" for 0, an empty string or a zero address
   // False when the value does not apply to this record: the field shows "n/a" and is skipped.
   std::function<bool(const std::uint8_t* rec)> applies;
+  // False hides the field for this record: neither prompt nor value is drawn and it is never
+  // current. Pages whose fields depend on the kind of record (one page per kind) use it;
+  // fields hidden for one kind may share their place with the fields of another.
+  std::function<bool(const std::uint8_t* rec)> shown;
   // Action fields: Enter calls `select`, which returns true when it changed the record.
   std::function<bool(std::uint8_t* rec)> select;
   std::function<std::string(const std::uint8_t* rec)> show;

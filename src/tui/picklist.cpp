@@ -96,8 +96,8 @@ void PickRunner::Layout() {
     text_w_ = l_.width;
   } else {
     // Only the rows on the first page are measured: the others are not fetched yet.
-    text_w_ = std::max(
-        {kMinTextWidth, static_cast<int>(l_.title.size()) + 4, Screen::VisibleLength(l_.header)});
+    text_w_ = std::max({kMinTextWidth, static_cast<int>(l_.title.size()) + 4,
+                        Screen::VisibleLength(l_.header) - mark_cols});
     for (const auto& t : page_) text_w_ = std::max(text_w_, static_cast<int>(t.size()));
   }
   text_w_ = std::max(1, std::min(text_w_, fit_w));
@@ -218,8 +218,8 @@ int PickRunner::Run() {
   Layout();
   const Dialog box(left_, top_, right_, bottom_, l_.title.c_str());
   if (header_rows_) {
-    const int col = left_ + 2 + (multi() ? kMarkCols : 0);
-    s_.WriteStr(col, top_ + 1, ui().colours[kWindowTitle], l_.header, text_w_);
+    const int width = text_w_ + (multi() ? kMarkCols : 0);
+    s_.WriteStr(left_ + 2, top_ + 1, ui().colours[kWindowTitle], l_.header, width);
   }
   ShowStatus(l_.key_line);
   for (;;) {
@@ -260,9 +260,10 @@ void Put(FileAreaSet& set, unsigned n, bool on) {
   set.Set(n, on);
 }
 
+// Under " Group   Group name" (a multi list's header has the mark columns in front).
 std::string RowText(const GroupName& g) {
-  char num[8];
-  std::snprintf(num, sizeof num, "%3u  ", static_cast<unsigned>(g.number));
+  char num[12];
+  std::snprintf(num, sizeof num, "%6u   ", static_cast<unsigned>(g.number));
   return num + g.name;
 }
 
@@ -305,9 +306,10 @@ PickList EntryList(const std::vector<Entry>& entries, const char* title, const c
 // are not in the list are left as they are.
 template <class Entry, class Set>
 bool EditSet(const std::vector<Entry>& entries, Set& set, const char* title, const char* empty,
-             const char* keys) {
+             const char* keys, const char* header = "") {
   PickList list = EntryList(entries, title, empty, 0);
   list.key_line = keys;
+  list.header = header;
   std::vector<bool> marks(entries.size());
   for (std::size_t i = 0; i < entries.size(); ++i) marks[i] = Has(set, entries[i].number);
   list.marks = &marks;
@@ -349,6 +351,7 @@ std::optional<std::uint8_t> PickGroup(std::uint8_t current) {
   const auto groups = Fetch(group_source());
   PickList list = EntryList(groups, "Select group", kNoGroups, current);
   list.key_line = kPickKeys;
+  list.header = " Group   Group name";
   const int i = RunPickList(list);
   if (i < 0) return std::nullopt;
   return groups[static_cast<std::size_t>(i)].number;
@@ -356,7 +359,7 @@ std::optional<std::uint8_t> PickGroup(std::uint8_t current) {
 
 bool PickGroups(GroupSet& set) {
   return EditSet(Fetch(group_source()), set, "Select groups", kNoGroups,
-                 "~Space~-select ~F2~-(de)select all ~Esc~-done");
+                 "~Space~-select ~F2~-(de)select all ~Esc~-done", "   Group   Group name");
 }
 
 std::optional<FileAreaName> PickFileArea(std::uint16_t current) {

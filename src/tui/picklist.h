@@ -18,7 +18,9 @@ namespace ks {
 struct PickList {
   std::string title;
   std::string key_line;  // status line, keys between tildes
-  std::string header;    // optional column captions above the rows
+  // Optional column captions above the rows, from the first text column (a multi list's
+  // header covers its mark columns too).
+  std::string header;
   int count = 0;
   std::function<std::string(int row)> row;  // text of row 0..count-1
   // Multi-select when set: one flag per row; Space marks or unmarks the highlighted row, F2

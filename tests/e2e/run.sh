@@ -731,6 +731,12 @@ run_case "every settings screen opens; typed values reach setup.ksx; header addr
 run_case "path and queue warnings, Ctrl-F finds and opens a setting" case_settings_checks
 run_case "Number of systems: No, Yes with systems cut, already fitting" case_number_of_systems
 
+# The cases of the other screens, one file each, each running its own cases.
+for more in "$(dirname "$0")"/cases_*.sh; do
+  # shellcheck source=/dev/null
+  [ -f "$more" ] && . "$more"
+done
+
 if [ "$failures" -gt 0 ]; then
   echo "$failures case(s) failed"
   exit 1

@@ -246,7 +246,8 @@ TEST_F(PickSourceTest, PickGroupsEditsTheSetAndShowsItsMarks) {
   set.Add(20);
   vt_.Keys("<Down>");
   EXPECT_THROW(PickGroups(set), KeysExhausted);
-  EXPECT_TRUE(Shown("\xFB  20  Twenty") && Shown("     5  Five"));
+  EXPECT_TRUE(Shown("   Group   Group name"));
+  EXPECT_TRUE(Shown("\xFB     20   Twenty") && Shown("        5   Five"));
   set = GroupSet{};
   set.Add(7);
   set.Add(100);                     // not a defined group: left alone

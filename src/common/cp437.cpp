@@ -138,4 +138,10 @@ std::string Utf8ToCp437(std::string_view s) {
   return out;
 }
 
+std::string Upper(std::string text) {
+  for (char& c : text)
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  return text;
+}
+
 }  // namespace ks

@@ -26,4 +26,8 @@ std::string Cp437ToUtf8(std::string_view cp437);
 // UTF-8 text to CP437 bytes; characters without a CP437 form become '?'.
 std::string Utf8ToCp437(std::string_view utf8);
 
+// The text with the letters a-z in capitals; every other byte stays (tags and masks compare
+// this way).
+std::string Upper(std::string text);
+
 }  // namespace ks

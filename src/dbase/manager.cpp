@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cstring>
 
+#include "common/cp437.h"
 #include "common/netaddr.h"
 #include "tui/dialog.h"
 #include "tui/frame.h"
@@ -68,11 +69,6 @@ std::string FieldText(SortType type, const std::uint8_t* p, std::size_t length) 
 
 std::string Fit(std::string s, std::size_t width) {
   s.resize(width, ' ');
-  return s;
-}
-
-std::string Upper(std::string s) {
-  for (char& c : s) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
   return s;
 }
 

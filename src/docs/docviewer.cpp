@@ -20,11 +20,6 @@ namespace {
 constexpr int kSearchLength = 30;
 constexpr int kKeyCheckLines = 10;  // look at the keyboard this often while searching
 
-std::string Upper(std::string s) {
-  for (auto& ch : s) ch = static_cast<char>(std::toupper(static_cast<unsigned char>(ch)));
-  return s;
-}
-
 }  // namespace
 
 std::string PrintWithLpr(const std::vector<std::string>& lines) {

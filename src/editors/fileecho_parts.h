@@ -14,6 +14,8 @@
 #include "dbase/fileecho_rec.h"
 #include "dbase/manager.h"
 #include "editors/context.h"
+#include "tui/fields.h"
+#include "tui/picklist.h"
 
 namespace ks::fileecho {
 
@@ -112,6 +114,29 @@ std::vector<std::string> FilesBbsNames(std::string_view text);
 int MoveListedFiles(const std::string& from, const std::string& to);
 // Removes the HATCH entries for `tag` and the MGICFILE entries from or to it; returns how many.
 int RemoveHatchAndMagic(const std::string& dir, const std::string& tag);
+
+// --- Edit page ------------------------------------------------------------------------------
+
+// Where the values of the left column start.
+inline constexpr int kLeftValue = 11;
+
+// What sets the fileecho page and the group page (a group's fileecho defaults) apart.
+struct FormSpec {
+  int desc_row = 3;        // the row of "Desc"; "Dest" is the next, the others follow
+  bool with_group = true;  // the fileecho's own "Group" row after "Dest"
+  int capacity = kDefaultSystemsPerArea;  // connected-system slots of the record
+  const char* advanced_help = "Advanced fileecho options menu";
+  const char* raid_help = "RAID flags menu";
+};
+constexpr int DestRow(const FormSpec& spec) {
+  return spec.desc_row + 1;
+}
+
+// The fields from "Desc" down to "Systems", in page order.
+std::vector<FieldDef> DefaultsFields(const ListContext& ctx, const FormSpec& spec);
+// The BBS file areas, and F6 on "Dest": the path of the area chosen becomes the destination.
+std::vector<FileAreaName> BbsFileAreas();
+bool PickDestination(std::uint8_t* rec);
 
 // --- Global edit ----------------------------------------------------------------------------
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "common/groupset.h"
 #include "common/netaddr.h"
 #include "dbase/node_rec.h"
 
@@ -23,6 +24,8 @@ struct ListContext {
   // has its "Use FDB"/"Use FBBS" row and "No Touch" does not apply.
   bool bbs_file_database = false;
   NodeDefaults* node_defaults = nullptr;  // in the configuration; edited by F3 of the nodes
+  // The configuration's group sets, in the order a group renumbering visits them.
+  std::vector<GroupSet*> config_group_sets;
 };
 
 // The companion file of the list kept in `base`: a temporary file in the work directory,

@@ -13,7 +13,6 @@ namespace ks::fileecho {
 
 namespace {
 
-constexpr int kRightPrompt = 31, kRightValue = 45;
 constexpr int kLeftWidth = kRightPrompt - kLeftValue - 1;  // values of the left column
 constexpr int kRightWidth = 27;
 

@@ -137,11 +137,7 @@ void RunFileechoManager(const ListContext& ctx) {
   mgr.AddFields(DefaultsFields(ctx, form));
   mgr.AddHotKey(
       {.col = kLeftValue, .row = DestRow(form), .scan = key::kF6, .proc = PickDestination});
-  mgr.init = [](std::uint8_t* rec) {
-    FixedRec r = Fixed(rec);
-    r.options = kFeAnnounce | kFeDupeCheck | kFeVisible;
-    PutFixed(rec, r);
-  };
+  mgr.init = InitFileecho;
   mgr.check = [&mgr, &ctx](std::uint8_t* rec, bool adding) {
     return CheckFileecho(mgr, ctx, rec, adding);
   };

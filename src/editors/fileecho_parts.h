@@ -117,8 +117,8 @@ int RemoveHatchAndMagic(const std::string& dir, const std::string& tag);
 
 // --- Edit page ------------------------------------------------------------------------------
 
-// Where the values of the left column start.
-inline constexpr int kLeftValue = 11;
+// Where the values of the left column start, and the prompts and values of the right one.
+inline constexpr int kLeftValue = 11, kRightPrompt = 31, kRightValue = 45;
 
 // What sets the fileecho page and the group page (a group's fileecho defaults) apart.
 struct FormSpec {
@@ -130,6 +130,13 @@ struct FormSpec {
 };
 constexpr int DestRow(const FormSpec& spec) {
   return spec.desc_row + 1;
+}
+
+// A new fileecho (and a new group's defaults): announced, dupe-checked and visible.
+inline void InitFileecho(std::uint8_t* rec) {
+  FixedRec r = Fixed(rec);
+  r.options = kFeAnnounce | kFeDupeCheck | kFeVisible;
+  PutFixed(rec, r);
 }
 
 // The fields from "Desc" down to "Systems", in page order.

@@ -31,6 +31,8 @@ ListContext MakeListContext() {
   }
   ctx.bbs_file_database = p.cfg->logStyle == lsWildCat;
   ctx.node_defaults = &p.cfg->nodeDefaults;
+  const auto sets = ConfigGroupSets(*p.cfg);
+  ctx.config_group_sets.assign(sets.begin(), sets.end());
   return ctx;
 }
 
@@ -102,6 +104,10 @@ void RegisterScreens() {
   Fill(acts.main[kNodeManager], List(RunNodeManager));
   Fill(acts.fileecho[1], List(RunFileechoManager));
   Fill(acts.fileecho[4], List(RunHatchManager));
+  Fill(acts.fileecho[6], [] {
+    RunGroupManager(MakeListContext());
+    prog().group_table = LoadGroupTable(prog().DataDir());  // names and numbers may have changed
+  });
   Fill(acts.echomail[1], List(RunEchomailManager));
   Fill(acts.echomail[3], List(RunPackManager));
   Fill(acts.utilities[4], List(RunUplinkRequests));

@@ -67,6 +67,7 @@ bench: build
 	$(BUILD)/bench_startup $(BUILD)/ksetup $(BUILD)
 	$(BUILD)/bench_dbase
 	$(BUILD)/bench_systems
+	$(BUILD)/bench_groups
 	$(BUILD)/bench_list
 	$(BUILD)/bench_propagation
 

@@ -31,7 +31,6 @@ using namespace bench;
 
 constexpr int kFileechos = 20000;
 constexpr std::uint8_t kWide = 255, kNarrow = 100;
-constexpr std::size_t kChunk = 1 << 20;
 
 // FAREAS at 255 systems; fileecho n has 1-100 systems, so nothing is lost on the way to 100.
 std::vector<std::uint8_t> WideFile() {
@@ -61,31 +60,6 @@ void Change(const std::string& path, std::uint8_t from, std::uint8_t to) {
   if (!WriteResizedFile(files[0], {}, &error) || !InstallResizedFiles(files, &error)) Die(error);
 }
 
-// The plain pass: `path` read, `out_bytes` written to a new file beside it and flushed.
-void Plain(const std::string& path, std::uint64_t out_bytes) {
-  static std::vector<std::uint8_t> buf(kChunk);
-  const std::string copy = path + ".copy";
-  const int in = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  const int out = ::open(copy.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-  if (in < 0 || out < 0) Die("cannot copy " + path);
-  ssize_t r;
-  std::uint64_t left = out_bytes;
-  while ((r = ::read(in, buf.data(), buf.size())) > 0) {
-    const auto n = static_cast<std::size_t>(std::min<std::uint64_t>(left, std::uint64_t(r)));
-    if (n && ::write(out, buf.data(), n) != static_cast<ssize_t>(n)) Die("cannot write " + copy);
-    left -= n;
-  }
-  while (left > 0) {  // a growing change writes more than it reads
-    const auto n = static_cast<std::size_t>(std::min<std::uint64_t>(left, buf.size()));
-    if (::write(out, buf.data(), n) != static_cast<ssize_t>(n)) Die("cannot write " + copy);
-    left -= n;
-  }
-  if (::fsync(out) != 0) Die("fsync failed on " + copy);
-  ::close(in);
-  ::close(out);
-  ::unlink(copy.c_str());
-}
-
 int Run(int runs) {
   record_extensions() = {"KSX", "IDX"};
   TempDir temp;
@@ -102,11 +76,11 @@ int Run(int runs) {
   Samples down, up, plain_down, plain_up, warm_up;
   for (int i = 0; i <= runs; ++i) {  // run 0 is the warm-up
     ::sync();
-    (i == 0 ? warm_up : plain_down).Measure([&] { Plain(path, narrow_bytes); });
+    (i == 0 ? warm_up : plain_down).Measure([&] { PlainCopy(path, narrow_bytes); });
     ::sync();
     (i == 0 ? warm_up : down).Measure([&] { Change(path, kWide, kNarrow); });
     ::sync();
-    (i == 0 ? warm_up : plain_up).Measure([&] { Plain(path, wide.size()); });
+    (i == 0 ? warm_up : plain_up).Measure([&] { PlainCopy(path, wide.size()); });
     ::sync();
     (i == 0 ? warm_up : up).Measure([&] { Change(path, kNarrow, kWide); });
     if (ReadWhole(path) != wide) Die("the round trip changed the file");

@@ -15,6 +15,7 @@ void RunFileechoManager(const ListContext& ctx);  // FAREAS
 void RunPackManager(const ListContext& ctx);      // netmail routing
 void RunUplinkRequests(const ListContext& ctx);   // requests sent to uplinks
 void RunNodeManager(const ListContext& ctx);      // NODEFILE
+void RunMagicFileNames(const ListContext& ctx);   // MGICFILE
 void RunGroupManager(const ListContext& ctx);     // GRPFILE
 
 }  // namespace ks

@@ -104,6 +104,7 @@ void RegisterScreens() {
   Fill(acts.main[kNodeManager], List(RunNodeManager));
   Fill(acts.fileecho[1], List(RunFileechoManager));
   Fill(acts.fileecho[4], List(RunHatchManager));
+  Fill(acts.fileecho[5], List(RunMagicFileNames));
   Fill(acts.fileecho[6], [] {
     RunGroupManager(MakeListContext());
     prog().group_table = LoadGroupTable(prog().DataDir());  // names and numbers may have changed

@@ -5,6 +5,7 @@
 
 #include "editors/common_fields.h"
 #include "editors/fileecho_parts.h"
+#include "editors/record_picks.h"
 #include "tui/box.h"
 #include "tui/colours.h"
 #include "tui/dialog.h"
@@ -114,15 +115,9 @@ void WriteSystems(std::uint8_t* rec, const std::vector<ConnectedSystem>& used, i
 }
 
 std::string SystemsText(const std::uint8_t* rec, int capacity, int width) {
-  const auto used = ReadSystems(rec, capacity);
-  if (used.empty()) return "None";
-  std::string text;
-  for (const auto& s : used) text += (text.empty() ? "" : " ") + FormatAddr(s.address);
-  if (static_cast<int>(text.size()) > width) {
-    const std::string count = std::to_string(used.size()) + " systems: ";
-    text = count + text.substr(0, static_cast<std::size_t>(width) - count.size() - 3) + "...";
-  }
-  return text;
+  std::vector<NetAddr> used;
+  for (const auto& s : ReadSystems(rec, capacity)) used.push_back(s.address);
+  return AddressListText(used, width);
 }
 
 std::optional<NetAddr> AskSystem(const std::string& prompt, const std::string& help) {

@@ -5,6 +5,7 @@
 #include "editors/common_fields.h"
 #include "editors/list_checks.h"
 #include "editors/lists.h"
+#include "editors/record_picks.h"
 #include "tui/box.h"
 #include "tui/msgbox.h"
 #include "tui/picklist.h"
@@ -18,28 +19,7 @@ constexpr int kTopic = 14;
 constexpr std::uint16_t kExportsOffset = offsetof(NewFileMgrRec, exports);
 
 std::vector<NetAddr> ReadExports(const std::uint8_t* rec) {
-  NetAddr slots[kExportSlots];
-  std::memcpy(slots, rec + kExportsOffset, sizeof slots);
-  std::vector<NetAddr> used;
-  for (const auto& a : slots)
-    if (a.IsSet()) used.push_back(a);
-  return used;
-}
-
-// Writes the systems back with the used slots first, as the processor expects.
-void WriteExports(std::uint8_t* rec, const std::vector<NetAddr>& used) {
-  NetAddr slots[kExportSlots] = {};
-  std::copy_n(used.begin(), std::min(used.size(), kExportSlots), slots);
-  std::memcpy(rec + kExportsOffset, slots, sizeof slots);
-}
-
-std::string ExportsText(const std::vector<NetAddr>& used) {
-  if (used.empty()) return "None";
-  std::string text;
-  for (const auto& a : used) text += (text.empty() ? "" : " ") + FormatAddr(a);
-  if (static_cast<int>(text.size()) > kLongWidth)
-    text = std::to_string(used.size()) + " systems: " + text.substr(0, kLongWidth - 16) + "...";
-  return text;
+  return ReadAddressList(rec, kExportsOffset, kExportSlots);
 }
 
 // Asks for one address in a small window; zone 0 when the user cleared it.
@@ -100,7 +80,7 @@ bool EditExports(std::uint8_t* rec) {
   }
   ShowStatus("Systems to send the report to by netmail");
   if (used == before) return false;
-  WriteExports(rec, used);
+  WriteAddressList(rec, kExportsOffset, kExportSlots, used);
   return true;
 }
 
@@ -193,7 +173,8 @@ void RunNewFileReports(const ListContext& ctx) {
        .help = "Systems to send the report to by netmail",
        .width = kLongWidth,
        .select = EditExports,
-       .show = [](const std::uint8_t* rec) { return ExportsText(ReadExports(rec)); }},
+       .show =
+           [](const std::uint8_t* rec) { return AddressListText(ReadExports(rec), kLongWidth); }},
   });
   mgr.init = [](std::uint8_t* rec) {
     NewFileMgrRec r;

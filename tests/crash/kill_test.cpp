@@ -32,16 +32,21 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <random>
+#include <set>
 #include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "common/recordext.h"
+#include "dbase/list_recs.h"
 #include "dbase/maintain.h"
+#include "dbase/node_rec.h"
 #include "dbase/recfiles.h"
+#include "editors/lists.h"
 #include "shell/instance.h"
 #include "shell/program.h"
 #include "shell/systems_change.h"
@@ -417,11 +422,223 @@ int KillChange(const std::string& mkdemo, int to) {
   return 0;
 }
 
+// A group renumbered or deleted. The group manager runs in a child on a virtual terminal
+// (`kill_test --group renumber|delete <dir>`) on group 1, the first of the demo's groups: its
+// number becomes 9 and the rest of the setup follows, or it is deleted with its fileechos and
+// their hatch and magic entries. After each kill the real ksetup runs `Index`; every record of
+// the files must then be as it was or as the operation makes it, and every index must fit.
+constexpr int kGroupFileechos = 60, kGroupEntries = 6;
+constexpr std::uint8_t kOldGroup = 1, kNewGroup = 9;
+
+template <class Rec>
+Bytes Image(const Rec& r) {
+  return Bytes(reinterpret_cast<const char*>(&r), sizeof r);
+}
+
+// The demo with 60 fileechos in groups 1-3, and reports, nodes, hatch and magic entries that
+// hold or name group 1 among others.
+void MakeGroupBase(const std::string& mkdemo, const std::string& dir) {
+  Run(Quote(mkdemo) + " " + Quote(dir) + " >/dev/null");
+  const Bytes model = ReadFile(dir + "FAREAS.KSX").substr(0, kSize);
+  const auto tag = [](int n) { return "G" + std::to_string(100 + n); };
+  Bytes fa, reports, nodes, hatch, magic;
+  for (int n = 0; n < kGroupFileechos; ++n) {
+    Bytes rec = model;
+    rec[0] = static_cast<char>(tag(n).size());
+    rec.replace(1, tag(n).size(), tag(n));
+    rec[offsetof(ks::FileMGRrec, group)] = static_cast<char>(1 + n % 3);
+    fa += rec;
+  }
+  for (int n = 0; n < kGroupEntries; ++n) {
+    ks::NewFileMgrRec r;
+    r.groups.Add(kOldGroup);
+    r.groups.Add(static_cast<std::uint8_t>(10 + n));
+    reports += Image(r);
+    ks::NodeMGRrec node;
+    node.address = {2, 280, static_cast<std::uint16_t>(n + 1), 0};
+    node.groups.Add(static_cast<std::uint8_t>(1 + n % 3));
+    node.billGroups.Add(kOldGroup);
+    nodes += Image(node);
+    ks::HatchMGRrec h;
+    h.area = tag(n);  // n % 3 == 0: a fileecho of group 1
+    h.fileSpec = "f" + std::to_string(n);
+    hatch += Image(h);
+    ks::MagicFileMgrRec m;
+    m.type = ks::mtAdoptFile;
+    m.mask = "M" + std::to_string(n);
+    m.fromArea = tag(n + 1);
+    m.toArea = tag(n + 2);
+    magic += Image(m);
+  }
+  const std::pair<ks::RecordFileId, const Bytes*> files[] = {{ks::RecordFileId::kFAreas, &fa},
+                                                             {ks::RecordFileId::kReports, &reports},
+                                                             {ks::RecordFileId::kNodes, &nodes},
+                                                             {ks::RecordFileId::kHatch, &hatch},
+                                                             {ks::RecordFileId::kMagic, &magic}};
+  for (const auto& [id, bytes] : files) {
+    const ks::RecordFileDef& def = ks::FileDef(id);
+    std::ofstream(dir + def.base + ".KSX", std::ios::binary) << *bytes;
+    ks::BuildIndex(dir, def.base, def.RecordSize(kFrom), def.keys);
+  }
+}
+
+int GroupChild(const std::string& what, const std::string& dir) {
+  ks::record_extensions() = {"KSX", "IDX"};
+  ks::ListContext ctx;
+  ctx.data_dir = ctx.work_dir = dir;
+  ctx.systems_per_area = kFrom;
+  ks::VirtualTerminal vt(80, 25);
+  ks::Screen screen(vt);
+  ks::UiScope scope(screen);
+  vt.Keys(what == "renumber" ? "<Enter>9<Esc><Enter><Enter><Enter><Esc>"
+                             : "<Del><Tab><Enter><Enter><Enter><Esc>");
+  ks::RunGroupManager(ctx);
+  return 0;
+}
+
+// What the operation makes of one record of a file.
+using Change = std::function<Bytes(Bytes)>;
+
+Bytes RenumberSetsAt(Bytes rec, std::initializer_list<std::size_t> offsets) {
+  for (const std::size_t at : offsets) {
+    ks::GroupSet set;
+    std::memcpy(&set, rec.data() + at, sizeof set);
+    set.Renumber(kOldGroup, kNewGroup);
+    rec.replace(at, sizeof set, reinterpret_cast<const char*>(&set), sizeof set);
+  }
+  return rec;
+}
+
+// The changes of every file, for the operation `what` on the base in `base`.
+std::map<ks::RecordFileId, Change> GroupChanges(const std::string& what, const std::string& base) {
+  using enum ks::RecordFileId;
+  constexpr std::size_t kGroup = offsetof(ks::FileMGRrec, group);
+  const auto group_key = [](const Bytes& rec, std::uint8_t to) {
+    Bytes r = rec;
+    if (static_cast<std::uint8_t>(r[kGroup]) == kOldGroup) r[kGroup] = static_cast<char>(to);
+    return r;
+  };
+  if (what == "renumber")
+    return {{kFAreas, [=](Bytes r) { return group_key(r, kNewGroup); }},
+            {kReports, [](Bytes r) { return RenumberSetsAt(r, {0}); }},
+            {kNodes,
+             [](Bytes r) {
+               return RenumberSetsAt(
+                   r, {offsetof(ks::NodeMGRrec, groups), offsetof(ks::NodeMGRrec, billGroups)});
+             }},
+            {kGroups, [=](Bytes r) { return group_key(r, kNewGroup); }}};
+  // The tags of group 1, upper-cased, and the key bytes cleared by a deletion.
+  std::set<std::string> tags;
+  const Bytes fa = ReadFile(base + "FAREAS.KSX");
+  for (std::size_t at = 0; at + kSize <= fa.size(); at += kSize)
+    if (static_cast<std::uint8_t>(fa[at + kGroup]) == kOldGroup) tags.insert(Tag(fa.substr(at)));
+  const auto names = [tags](const Bytes& r, std::size_t at) {
+    return tags.count(r.substr(at + 1, static_cast<unsigned char>(r[at]))) > 0;
+  };
+  const auto clear = [](Bytes r, std::size_t at, std::size_t n) {
+    return r.replace(at, n, n, '\0');
+  };
+  return {{kFAreas,
+           [=](Bytes r) {
+             if (static_cast<std::uint8_t>(r[kGroup]) != kOldGroup) return r;
+             r[kGroup] = 0;
+             return clear(r, 0, 41);
+           }},
+          {kHatch, [=](Bytes r) { return names(r, 0) ? clear(r, 0, 41) : r; }},
+          {kMagic,
+           [=](Bytes r) {
+             return names(r, offsetof(ks::MagicFileMgrRec, fromArea)) ||
+                            names(r, offsetof(ks::MagicFileMgrRec, toArea))
+                        ? clear(r, 0, 14)
+                        : r;
+           }},
+          {kGroups, [=](Bytes r) {
+             const auto& keys = ks::FileDef(kGroups).keys;
+             if (static_cast<std::uint8_t>(r[kGroup]) != kOldGroup) return r;
+             for (int j = 0; j < keys.count(); ++j)
+               r = clear(r, keys[j].rec_offset, keys[j].length);
+             return r;
+           }}};
+}
+
+// Every record of every file is as in the base or as `changes` make it, and every index fits.
+// Sets `done` when every record is in its new state.
+bool CheckGroup(const std::string& dir, const std::string& base,
+                const std::map<ks::RecordFileId, Change>& changes, bool& done) {
+  done = true;
+  for (const auto id :
+       {ks::RecordFileId::kFAreas, ks::RecordFileId::kReports, ks::RecordFileId::kNodes,
+        ks::RecordFileId::kHatch, ks::RecordFileId::kMagic, ks::RecordFileId::kGroups}) {
+    const ks::RecordFileDef& def = ks::FileDef(id);
+    const std::size_t size = def.RecordSize(kFrom);
+    const std::string name = dir + def.base + ".KSX";
+    const Bytes before = ReadFile(base + def.base + ".KSX"), after = ReadFile(name);
+    if (after.size() != before.size()) return Fail(std::string(def.base) + " changed its size");
+    const auto it = changes.find(id);
+    for (std::size_t at = 0; at + size <= after.size(); at += size) {
+      const Bytes old = before.substr(at, size), now = after.substr(at, size);
+      const Bytes made = it == changes.end() ? old : it->second(old);
+      if (now != old && now != made)
+        return Fail(std::string(def.base) + " record " + std::to_string(at / size) + " torn");
+      done = done && now == made;
+    }
+    const Bytes index = ReadFile(dir + def.base + ".IDX");
+    ks::MappedFile mapped;
+    if (!mapped.Map(name) ||
+        !ks::IndexFitsData(reinterpret_cast<const std::uint8_t*>(index.data()),
+                           index.size() / def.keys.entry_size(), mapped, size, def.keys))
+      return Fail(std::string(def.base) + ".IDX does not fit its data");
+  }
+  return true;
+}
+
+void RunGroupChild(const std::string& what, const std::string& dir, const std::string& kill) {
+  const std::string child = g_self + " --group " + what + " " + dir + " >/dev/null 2>&1";
+  Run(kill.empty() ? child : "strace -f -o /dev/null " + kill + " " + child);
+}
+
+// Kills the operation at each of its calls; returns the failures.
+int KillGroup(const std::string& mkdemo, const std::string& what) {
+  const std::string base = g_work + "group-base/";
+  fs::remove_all(base);
+  fs::create_directories(base);
+  MakeGroupBase(mkdemo, base);
+  const auto changes = GroupChanges(what, base);
+  const std::string record = Fresh(base, "record");
+  const std::string trace = g_work + "trace";
+  RunGroupChild(what, record,
+                "-o " + trace + " -e trace=pwrite64,ftruncate,fsync,rename,unlink,write");
+  bool done = false;
+  if (!CheckGroup(record, base, changes, done) || !done) {
+    std::printf("FAIL group %s without a kill: %s\n", what.c_str(),
+                done ? g_why.c_str() : "not done");
+    return 1;
+  }
+  const std::vector<std::string> points = PointsOfTrace(trace);
+  int stood = 0;
+  for (const std::string& point : points) {
+    const std::string dir = Fresh(base, "run");
+    RunGroupChild(what, dir, point);
+    bool ok = RunKsetup(Op::kIndex, dir, "") || Fail("ksetup failed");
+    ok = ok && CheckGroup(dir, base, changes, done);
+    if (!ok) {
+      std::printf("FAIL group %s killed at %s: %s (files kept in %s)\n", what.c_str(),
+                  point.c_str(), g_why.c_str(), dir.c_str());
+      return 1;
+    }
+    stood += done;
+  }
+  std::printf("Group %s: %zu kills, complete after %d of them\n", what.c_str(), points.size(),
+              stood);
+  return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   if (argc == 4 && std::string(argv[1]) == "--change-systems")
     return ChangeSystemsChild(argv[2], std::atoi(argv[3]));
+  if (argc == 4 && std::string(argv[1]) == "--group") return GroupChild(argv[2], argv[3]);
   if (argc < 5) {
     std::fprintf(stderr, "usage: kill_test <ksetup> <mkdemo> <fileechos> <kills> [seed]\n");
     return 2;
@@ -478,6 +695,8 @@ int main(int argc, char** argv) {
   g_self = fs::absolute(argv[0]);
   for (int to : {100, 255})
     if (!failures) failures += KillChange(argv[2], to);
+  for (const char* what : {"renumber", "delete"})
+    if (!failures) failures += KillGroup(argv[2], what);
   if (!failures) fs::remove_all(g_work);
   return failures ? 1 : 0;
 }

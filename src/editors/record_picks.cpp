@@ -108,7 +108,7 @@ bool PickSystems(const ListContext& ctx, std::vector<NetAddr>& chosen, std::size
   PickList list;
   list.title = "Select systems";
   list.key_line = "~Space~-select ~F2~-(de)select all ~Esc~/~Enter~-done";
-  list.header = Pad("System", kAddrCols) + "Sysop";
+  list.header = "  " + Pad("System", kAddrCols) + "Sysop";  // over the mark columns too
   list.count = static_cast<int>(rows.size());
   list.marks = &marks;
   list.row = [&](int r) {

@@ -51,11 +51,6 @@ struct TypeDef {
   std::vector<Slot> slots;  // from the row under "Type" down
 };
 
-constexpr const char* kDirHelp[] = {
-    "Directory to import this file to", "Directory to copy this file to",
-    "Directory to unpack this file to", "Directory where to look for this file",
-    "Directory containing files to send after executing command"};
-
 // Indexed by the type byte; 0 stands for every value that is no type.
 const std::vector<TypeDef>& Types() {
   using P = Part;
@@ -75,21 +70,21 @@ const std::vector<TypeDef>& Types() {
       {"NoForward", "Do not forward this file", {{P::kMask}, {P::kFrom}}},
       {"OtherPath",
        "Import this file into another directory",
-       {{P::kMask}, {P::kFrom}, {P::kDirectory, kDirHelp[0]}}},
+       {{P::kMask}, {P::kFrom}, {P::kDirectory, "Directory to import this file to"}}},
       {"UpdateAlias", "Update the alias file with this filename", {{P::kMask}, {P::kFrom}}},
       {"CopyFile",
        "Copy a file to another directory",
-       {{P::kMask}, {P::kFrom}, {P::kDirectory, kDirHelp[1]}}},
+       {{P::kMask}, {P::kFrom}, {P::kDirectory, "Directory to copy this file to"}}},
       {"KeepNum", "Alternate Keep # for this file", {{P::kMask}, {P::kFrom}, {P::kKeep}}},
       {"HatchNew",
        "Hatch new files found in the destination directory of this file echo",
        {{P::kMask, "The file mask to match"}, {P::kFrom}, {P::kDays}}},
       {"PickUpFile",
        "Pick up file from directory and forward it",
-       {{P::kMask}, {P::kDirectory, kDirHelp[3]}, {P::kExport}}},
+       {{P::kMask}, {P::kDirectory, "Directory where to look for this file"}, {P::kExport}}},
       {"UnpackFile",
        "Unpack a file into a directory",
-       {{P::kMask}, {P::kFrom}, {P::kDirectory, kDirHelp[2]}}},
+       {{P::kMask}, {P::kFrom}, {P::kDirectory, "Directory to unpack this file to"}}},
       {"PassThruFile", "Process this file as pass through", {{P::kMask}, {P::kFrom}}},
       {"DeleteFile", "Delete this file without further processing", {{P::kMask}, {P::kFrom}}},
       {"ServiceReq",
@@ -97,7 +92,7 @@ const std::vector<TypeDef>& Types() {
        {{P::kAlias},
         {P::kPassword},
         {P::kCommand, "Command to execute for this service request. Use @ for options"},
-        {P::kDirectory, kDirHelp[4]}}},
+        {P::kDirectory, "Directory containing files to send after executing command"}}},
       {"SendOnFreq",
        "Send a Template or a file with file requests",
        {{P::kMask}, {P::kTemplate}, {P::kFile}}},
@@ -112,95 +107,61 @@ const TypeDef& TypeOf(std::uint8_t type) {
   return Types()[KnownType(type)];
 }
 
+// A text field of `size` characters at `offset`, `width` cells wide (0: as many as it holds).
+FieldDef Text(SortType type, std::uint16_t offset, std::uint8_t size, const char* prompt,
+              const char* help = "", int width = 0) {
+  return {.type = type,
+          .col = kValueCol,
+          .offset = offset,
+          .size = size,
+          .prompt = prompt,
+          .help = help,
+          .width = width};
+}
+
 // The field of a part with its usual help line; the page gives it its place.
 FieldDef PartField(Part part, const ListContext& ctx) {
   using R = MagicFileMgrRec;
-  constexpr int c = kValueCol;
   switch (part) {
     case Part::kMask:
-      return {.type = Str,
-              .col = c,
-              .offset = offsetof(R, mask),
-              .size = 12,
-              .prompt = "File mask",
-              .help = "The file mask to match for this Magic file"};
+      return Text(Str, offsetof(R, mask), 12, "File mask",
+                  "The file mask to match for this Magic file");
     case Part::kFrom:
-      return FileechoField({.col = c,
-                            .offset = offsetof(R, fromArea),
-                            .size = 40,
-                            .prompt = "From area",
-                            .help = "The file echo name where KESTRA should look for this file"});
+      return FileechoField(Text(Str, offsetof(R, fromArea), 40, "From area",
+                                "The file echo name where KESTRA should look for this file"));
     case Part::kTo:
-      return FileechoField({.col = c,
-                            .offset = offsetof(R, toArea),
-                            .size = 40,
-                            .prompt = "To area",
-                            .help = "The file echo name that should adopt this file"});
+      return FileechoField(Text(Str, offsetof(R, toArea), 40, "To area",
+                                "The file echo name that should adopt this file"));
     case Part::kDirectory:
-      return {.type = Path,
-              .col = c,
-              .offset = offsetof(R, directory),
-              .size = 79,
-              .prompt = "Directory",
-              .width = kLongWidth};
+      return Text(Path, offsetof(R, directory), 79, "Directory", "", kLongWidth);
     case Part::kCommand:
-      return {.type = Str,
-              .col = c,
-              .offset = offsetof(R, command),
-              .size = 127,
-              .prompt = "Command",
-              .width = kLongWidth};
+      return Text(Str, offsetof(R, command), 127, "Command", "", kLongWidth);
     case Part::kExport:
-      return SystemsField({.col = c,
-                           .offset = offsetof(R, exports),
-                           .prompt = "Export",
-                           .help = "Systems to export this file to",
-                           .width = kLongWidth},
+      return SystemsField(Text(Str, offsetof(R, exports), 0, "Export",
+                               "Systems to export this file to", kLongWidth),
                           ctx, kExportSlots);
-    case Part::kKeep:
-      return {.type = Int,
-              .col = c,
-              .offset = offsetof(R, keep),
-              .size = 2,
-              .low = -1,
-              .high = 99,
-              .prompt = "Keep #",
-              .help = "Number of files to keep, (0=all -1=all and no sort)"};
+    case Part::kKeep: {
+      FieldDef f = Text(Int, offsetof(R, keep), 2, "Keep #",
+                        "Number of files to keep, (0=all -1=all and no sort)");
+      f.low = -1;
+      f.high = 99;
+      return f;
+    }
     case Part::kDays:
-      return DaysField({.col = c,
-                        .offset = offsetof(R, hatchDays),
-                        .prompt = "Days",
-                        .help = "The days on which to hatch these files"},
-                       kTopic);
+      return DaysField(
+          Text(Str, offsetof(R, hatchDays), 0, "Days", "The days on which to hatch these files"),
+          kTopic);
     case Part::kAlias:
-      return {.type = Str,
-              .col = c,
-              .offset = offsetof(R, alias),
-              .size = 20,
-              .prompt = "Alias",
-              .help = "The Alias to trigger the service request"};
+      return Text(Str, offsetof(R, alias), 20, "Alias", "The Alias to trigger the service request");
     case Part::kPassword:
-      return {.type = Str,
-              .col = c,
-              .offset = offsetof(R, password),
-              .size = 20,
-              .prompt = "Password",
-              .help = "The password necessary for this service request"};
+      return Text(Str, offsetof(R, password), 20, "Password",
+                  "The password necessary for this service request");
     case Part::kTemplate:
-      return {.type = Str,
-              .col = c,
-              .offset = offsetof(R, templateFile),
-              .size = 12,
-              .prompt = "Template",
-              .help = "Template to send when this filemask is requested"};
+      return Text(Str, offsetof(R, templateFile), 12, "Template",
+                  "Template to send when this filemask is requested");
     case Part::kFile:
-      return {.type = Str,
-              .col = c,
-              .offset = offsetof(R, fileSpec),
-              .size = 79,
-              .prompt = "File",
-              .help = "File specification to send when this filemask is requested",
-              .width = kLongWidth};
+      return Text(Str, offsetof(R, fileSpec), 79, "File",
+                  "File specification to send when this filemask is requested", kLongWidth);
   }
   return {};
 }

@@ -210,8 +210,10 @@ TEST_F(MagicTest, RulesOfUnknownTypeAreShownAndDeletedButNotRewritten) {
   recs[1].fromArea = "UTILS";
   dir_.Insert(RecordFileId::kMagic, recs);
   const std::string data = Data(), index = dir_.Read("MGICFILE.IDX");
+  EXPECT_TRUE(Shows(RunMagicFileNames, "<Enter>", "Unknown type"));
+  EXPECT_TRUE(Shows(RunMagicFileNames, "<Right><Enter><Tab>", "Unknown type"));
+  EXPECT_FALSE(Shown("From area"));  // only the type and the mask
   Run(RunMagicFileNames, "<Enter><Esc><Right><Enter><Tab><Esc><F5><Esc><Esc>");
-  EXPECT_TRUE(Shown("Unknown type"));
   EXPECT_EQ(Data(), data);
   EXPECT_EQ(dir_.Read("MGICFILE.IDX"), index);
   // Changed, it must get a type first; Enter on "Type" chooses one.

@@ -53,15 +53,19 @@ test-sanitize: deps
 	cmake --build $(ASAN_BUILD) --target ks_tests ksetup mkdemo helpdoc
 	ctest --test-dir $(ASAN_BUILD) --output-on-failure -j2 -E '^kill_test$$'
 
-# The record database's fuzz target for $(FUZZ_TIME) seconds, starting from fuzz/corpus/. New
+# The fuzz targets for $(FUZZ_TIME) seconds each, starting from fuzz/corpus/ (the record
+# database) and fuzz/corpus-lists/ (the group and magic file name lists). New
 # inputs go to a temporary directory; a failing input is saved in $(FUZZ_BUILD)/.
 fuzz: deps
 	@test -f $(FUZZ_BUILD)/build.ninja || CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -G Ninja \
 	  -DKS_FUZZ=ON -DKS_WERROR=ON
-	cmake --build $(FUZZ_BUILD) --target dbase_fuzz
+	cmake --build $(FUZZ_BUILD) --target dbase_fuzz lists_fuzz
 	@d=$$(mktemp -d) && \
 	$(FUZZ_BUILD)/dbase_fuzz -max_total_time=$(FUZZ_TIME) -max_len=8192 -print_final_stats=1 \
 	  -artifact_prefix=$(FUZZ_BUILD)/ $$d fuzz/corpus; s=$$?; rm -rf $$d; exit $$s
+	@d=$$(mktemp -d) && \
+	$(FUZZ_BUILD)/lists_fuzz -max_total_time=$(FUZZ_TIME) -max_len=16384 -print_final_stats=1 \
+	  -artifact_prefix=$(FUZZ_BUILD)/ $$d fuzz/corpus-lists; s=$$?; rm -rf $$d; exit $$s
 
 bench: build
 	$(BUILD)/bench_startup $(BUILD)/ksetup $(BUILD)

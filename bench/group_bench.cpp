@@ -127,7 +127,7 @@ int Run(int runs) {
     ::sync();
     (i == 0 ? warm_up : plain_renumber).Measure([&] { plain({kFAreas, kNodes, kReports}); });
     ::sync();
-    for (const auto [from, to] : {std::pair{1, 60}, std::pair{60, 1}}) {
+    for (const auto& [from, to] : {std::pair{1, 60}, std::pair{60, 1}}) {
       r.Measure([&] {
         const RenumberCount n = RenumberGroupInFiles(dir, kSystems, static_cast<std::uint8_t>(from),
                                                      static_cast<std::uint8_t>(to));

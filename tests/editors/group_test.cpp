@@ -164,7 +164,9 @@ TEST_F(GroupTest, ScreensAskRenumberAndReport) {
     SCOPED_TRACE(c.what);
     Seed();
     Run(c.keys);
-    if (*c.shown) EXPECT_TRUE(Shown(c.shown));
+    if (*c.shown) {
+      EXPECT_TRUE(Shown(c.shown));
+    }
     EXPECT_FALSE(!*c.shown && Shown("Replace old group number with"));
     EXPECT_EQ(GroupSetText(config_[0]), std::to_string(c.config_first));
     int in3 = 0;

@@ -48,33 +48,33 @@ FieldDef Action(int col, int row, int prompt_col, int width, std::string prompt,
 
 }  // namespace
 
-std::vector<FieldDef> DefaultsFields(const ListContext& ctx, const FormSpec& spec) {
+std::vector<FieldDef> DefaultsFields(const ListContext& ctx, const FormSpec& form) {
   // Rows below "Dest" follow from the fileecho's own "Group" row, when there is one, and the
   // row of the two BBS file database switches, which is left out without such a database.
-  const int fdb_row = DestRow(spec) + (spec.with_group ? 2 : 1);
+  const int fdb_row = DestRow(form) + (form.with_group ? 2 : 1);
   const int d = fdb_row - 6 + (ctx.bbs_file_database ? 0 : -1);
   constexpr int l = kLeftValue, r = kRightValue, rp = kRightPrompt;
   std::vector<FieldDef> f = {
       {.type = Str,
        .col = l,
-       .row = spec.desc_row,
+       .row = form.desc_row,
        .offset = offsetof(FixedRec, description),
        .size = 55,
        .prompt = "Desc",
        .help = "Fileecho description"},
       {.type = Path,
        .col = l,
-       .row = DestRow(spec),
+       .row = DestRow(form),
        .offset = offsetof(FixedRec, destination),
        .size = 100,
        .prompt = "Dest",
        .help = "Destination directory                                  ~F6~-list of BBS file areas",
        .width = 60},
   };
-  if (spec.with_group)
+  if (form.with_group)
     f.push_back({.type = Int,
                  .col = l,
-                 .row = DestRow(spec) + 1,
+                 .row = DestRow(form) + 1,
                  .offset = offsetof(FixedRec, group),
                  .size = 1,
                  .low = 0,
@@ -146,10 +146,10 @@ std::vector<FieldDef> DefaultsFields(const ListContext& ctx, const FormSpec& spe
   f.push_back(
       Action(r, 9 + d, rp, kRightWidth, "Cost", "Cost sharing menu", RunCostPage, CostText));
   f.push_back(Action(
-      l, 10 + d, 2, kLeftWidth, "Advanced", spec.advanced_help,
+      l, 10 + d, 2, kLeftWidth, "Advanced", form.advanced_help,
       [&ctx](std::uint8_t* rec) { return RunAdvancedPage(rec, ctx); },
       [&ctx](const std::uint8_t* rec) { return AdvancedText(rec, ctx); }));
-  f.push_back(Action(r, 10 + d, rp, kRightWidth, "RAID", spec.raid_help, RunRaidPage, RaidText));
+  f.push_back(Action(r, 10 + d, rp, kRightWidth, "RAID", form.raid_help, RunRaidPage, RaidText));
   f.push_back({.type = Wrd,
                .col = l,
                .row = 11 + d,
@@ -179,7 +179,7 @@ std::vector<FieldDef> DefaultsFields(const ListContext& ctx, const FormSpec& spe
                .prompt = "Max file",
                .help = "Maximum number of files to keep in directory (~1~-~16383~, ~0~=infinite)",
                .prompt_col = 51});
-  const int capacity = spec.capacity;
+  const int capacity = form.capacity;
   f.push_back(Action(
       l, 12 + d, 2, 60, "Systems", "Connected systems",
       [capacity](std::uint8_t* rec) { return EditSystems(rec, capacity); },

@@ -128,8 +128,8 @@ struct FormSpec {
   const char* advanced_help = "Advanced fileecho options menu";
   const char* raid_help = "RAID flags menu";
 };
-constexpr int DestRow(const FormSpec& spec) {
-  return spec.desc_row + 1;
+constexpr int DestRow(const FormSpec& form) {
+  return form.desc_row + 1;
 }
 
 // A new fileecho (and a new group's defaults): announced, dupe-checked and visible.
@@ -140,7 +140,7 @@ inline void InitFileecho(std::uint8_t* rec) {
 }
 
 // The fields from "Desc" down to "Systems", in page order.
-std::vector<FieldDef> DefaultsFields(const ListContext& ctx, const FormSpec& spec);
+std::vector<FieldDef> DefaultsFields(const ListContext& ctx, const FormSpec& form);
 // The BBS file areas, and F6 on "Dest": the path of the area chosen becomes the destination.
 std::vector<FileAreaName> BbsFileAreas();
 bool PickDestination(std::uint8_t* rec);

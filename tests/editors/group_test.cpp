@@ -205,7 +205,8 @@ TEST_F(GroupTest, DeletingRemovesAndRebuildsOnlyWhenSomethingWentAway) {
 TEST_F(GroupTest, BbsMaskAndMaxFileAreOneField) {
   // "BBS Mask" is the 7th field; "Max file" shows the same two bytes.
   Run("<Enter>" + test::Downs(6) + "1000<Esc><Enter>");
-  EXPECT_EQ(dir_.Record<GrpFileMgrRec>("GRPFILE.KSX").fileecho.maxFiles, 1000);
+  const std::uint16_t bbs_mask = dir_.Record<GrpFileMgrRec>("GRPFILE.KSX").fileecho.maxFiles;
+  EXPECT_EQ(bbs_mask, 1000);
   Run("");
   EXPECT_EQ(vt_.Row(3 + 13).substr(68, 4), "1000");
 }

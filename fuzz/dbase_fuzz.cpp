@@ -34,6 +34,7 @@
 #include "dbase/maintain.h"
 #include "dbase/recfiles.h"
 #include "dbase/recordfile.h"
+#include "fuzz_dir.h"
 
 namespace {
 
@@ -54,24 +55,8 @@ const std::uint8_t* U(const Bytes& b) {
   return reinterpret_cast<const std::uint8_t*>(b.data());
 }
 
-// The private directory: created once per process (on tmpfs when there is one, since the pack
-// and the index writes flush their files), emptied before every input, removed at exit.
-std::string g_dir;
-
 const std::string& Dir() {
-  if (g_dir.empty()) {
-    std::string parent = ::access("/dev/shm", W_OK | X_OK) == 0
-                             ? "/dev/shm"
-                             : std::filesystem::temp_directory_path().string();
-    std::string tmpl = parent + "/ks-dbase-fuzz-XXXXXX";
-    if (!::mkdtemp(tmpl.data())) std::abort();
-    g_dir = tmpl + "/";
-    std::atexit([] {
-      std::error_code ec;
-      std::filesystem::remove_all(g_dir, ec);
-    });
-  }
-  return g_dir;
+  return fuzz::PrivateDir("ks-dbase-fuzz");
 }
 
 std::map<std::string, Bytes> Snapshot() {

@@ -27,6 +27,7 @@
 #include "dbase/maintain.h"
 #include "dbase/recfiles.h"
 #include "editors/lists.h"
+#include "fuzz_dir.h"
 #include "tui/screen.h"
 #include "tui/ui.h"
 #include "tui/virtual_terminal.h"
@@ -47,18 +48,8 @@ using Bytes = std::string;
 constexpr std::size_t kSystems = 5;
 constexpr std::size_t kMaxRecords = 6;
 
-std::string g_dir;
 const std::string& Dir() {
-  if (g_dir.empty()) {
-    std::string tmpl = (std::filesystem::temp_directory_path() / "ks-lists-fuzz-XXXXXX").string();
-    if (!::mkdtemp(tmpl.data())) std::abort();
-    g_dir = tmpl + "/";
-    std::atexit([] {
-      std::error_code ec;
-      std::filesystem::remove_all(g_dir, ec);
-    });
-  }
-  return g_dir;
+  return fuzz::PrivateDir("ks-lists-fuzz");
 }
 
 // The keys a script byte stands for: the keys of the lists, their pages and pick lists.

@@ -1,0 +1,157 @@
+// The words a template knows after "@": value macros, blocks, control macros and functions, in
+// the order of the keyword list. The fifteen names from JUST on are the functions.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace ks::tpl {
+
+enum class Keyword : std::uint8_t {
+  AkaToUse,
+  SystemName,
+  SysopName,
+  PhoneLine1,
+  PhoneLine2,
+  PhoneLine3,
+  Location,
+  Flags,
+  Baud,
+  PrgVersion,
+  DayNr,
+  Day,
+  MonthNr,
+  Month,
+  Year,
+  Cookie,
+  AreaBegin,
+  FileBegin,
+  End,
+  Overflow,
+  BlockBytes,
+  BlockKb,
+  BlockFiles,
+  TotalBytes,
+  TotalKb,
+  TotalFiles,
+  GroupBegin,
+  Else,
+  BillBegin,
+  FileCost,
+  FileName,
+  FileDesc,
+  FileSize,
+  FileDate,
+  FileTime,
+  FileOrigin,
+  FileFrom,
+  FileCrc,
+  FileReplace,
+  FileMagic,
+  FileEcho,
+  Group,
+  GroupName,
+  EchoDesc,
+  EchoStat,
+  AvgFiles,
+  AvgKb,
+  EchoPassword,
+  MgrPassword,
+  AvailGroups,
+  FileStat,
+  MailStat,
+  TicMode,
+  PackMode,
+  Template,
+  Notify,
+  Forward,
+  AutoAdd,
+  Remote,
+  Compression,
+  FileSizeKb,
+  MsgTo,
+  MsgFrom,
+  MsgSubject,
+  FilterDesc,
+  NoMsgOutput,
+  CloseOutput,
+  Billing,
+  BillGroups,
+  Credit,
+  WarnLevel,
+  StopLevel,
+  AddPercent,
+  BillAddPerc,
+  BillSubtotal,
+  BillTotal,
+  UnitCost,
+  UnitSize,
+  InvoiceNr,
+  FileYear,
+  FileMonth,
+  FileDay,
+  FileHour,
+  FileMin,
+  MsgToAka,
+  DestDir,
+  AllowBreak,
+  ForceBreak,
+  Membership,
+  FilterCr,
+  FilterAnsi,
+  RequestBegin,
+  RequestName,
+  RequestErr,
+  PassThru,
+  PrgName,
+  SystemStatus,
+  Systems,
+  ClearOverflow,
+  DownTime,
+  RaidLevel,
+  RaidFlags,
+  Hour,
+  Min,
+  DayOfYear,
+  FileAge,
+  IncludeApl,
+  PendingBegin,
+  ConfBegin,
+  Conference,
+  ConfDesc,
+  PktPassword,
+  // The functions, codes 1 to 15.
+  Just,
+  Center,
+  Copy,
+  Test,
+  Assign,
+  Include,
+  Add,
+  Sub,
+  Pos,
+  Len,
+  OpenOutput,
+  SetOfLimit,
+  UpperCase,
+  LowerCase,
+  Capitalize,
+  kCount
+};
+
+inline constexpr std::size_t kKeywordCount = static_cast<std::size_t>(Keyword::kCount);
+
+// The keyword's name as written after "@", in capitals.
+std::string_view KeywordName(Keyword k);
+
+// The keyword of an upper-cased name, if it is one.
+std::optional<Keyword> FindKeyword(std::string_view upper_name);
+
+// The function code of an upper-cased name: JUST 1 ... CAPITALIZE 15, 0 for any other name.
+int FunctionCode(std::string_view upper_name);
+
+// True for the macros that open a repeated block (AREABEGIN, FILEBEGIN, ...).
+bool IsBlockBegin(Keyword k);
+
+}  // namespace ks::tpl

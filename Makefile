@@ -1,6 +1,7 @@
 # Thin wrappers around CMake/CTest. `make run` opens KSETUP on a fresh demo program directory,
 # `make test` builds and runs every test, `make bench` prints the benchmark figures,
-# `make test-sanitize` runs the tests on a sanitized build, `make fuzz` fuzzes the record files.
+# `make test-sanitize` runs the tests on a sanitized build, `make fuzz` fuzzes the record files
+# and the template processor.
 BUILD ?= build
 CMAKE_FLAGS ?=
 ASAN_BUILD ?= build-asan
@@ -54,18 +55,23 @@ test-sanitize: deps
 	ctest --test-dir $(ASAN_BUILD) --output-on-failure -j2 -E '^kill_test$$'
 
 # The fuzz targets for $(FUZZ_TIME) seconds each, starting from fuzz/corpus/ (the record
-# database) and fuzz/corpus-lists/ (the group and magic file name lists). New
+# database), fuzz/corpus-lists/ (the group and magic file name lists) and
+# fuzz/corpus-templates/ (templates with the caller's data). New
 # inputs go to a temporary directory; a failing input is saved in $(FUZZ_BUILD)/.
 fuzz: deps
 	@test -f $(FUZZ_BUILD)/build.ninja || CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -G Ninja \
 	  -DKS_FUZZ=ON -DKS_WERROR=ON
-	cmake --build $(FUZZ_BUILD) --target dbase_fuzz lists_fuzz
+	cmake --build $(FUZZ_BUILD) --target dbase_fuzz lists_fuzz template_fuzz
 	@d=$$(mktemp -d) && \
 	$(FUZZ_BUILD)/dbase_fuzz -max_total_time=$(FUZZ_TIME) -max_len=8192 -print_final_stats=1 \
 	  -artifact_prefix=$(FUZZ_BUILD)/ $$d fuzz/corpus; s=$$?; rm -rf $$d; exit $$s
 	@d=$$(mktemp -d) && \
 	$(FUZZ_BUILD)/lists_fuzz -max_total_time=$(FUZZ_TIME) -max_len=16384 -print_final_stats=1 \
 	  -artifact_prefix=$(FUZZ_BUILD)/ $$d fuzz/corpus-lists; s=$$?; rm -rf $$d; exit $$s
+	@d=$$(mktemp -d) && \
+	$(FUZZ_BUILD)/template_fuzz -max_total_time=$(FUZZ_TIME) -max_len=65536 -timeout=20 \
+	  -print_final_stats=1 -artifact_prefix=$(FUZZ_BUILD)/ $$d fuzz/corpus-templates; \
+	  s=$$?; rm -rf $$d; exit $$s
 
 bench: build
 	$(BUILD)/bench_startup $(BUILD)/ksetup $(BUILD)

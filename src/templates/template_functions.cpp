@@ -111,6 +111,10 @@ bool Quoted(std::string_view s, char q) {
 
 }  // namespace
 
+bool TemplateProcessor::Allowed(const std::string& file) const {
+  return !settings_.local_files_only || file.find('/') == std::string::npos;
+}
+
 // The value of one argument: a macro evaluated, a quoted constant without its quotes, anything
 // else as it stands; nothing when it names no macro.
 std::optional<std::string> TemplateProcessor::Argument(std::string_view arg) {
@@ -172,7 +176,8 @@ std::string TemplateProcessor::Function(std::string_view macro, std::string_view
     case kInclude: {
       const auto file = Argument(raw[0]);
       if (!file) return unchanged;
-      if (!include_) include_ = std::fopen(file->c_str(), "rb");
+      if (!include_ && Allowed(*file) && FileExists(*file))
+        include_ = std::fopen(file->c_str(), "rb");
       return {};
     }
     case kPos: {
@@ -195,7 +200,7 @@ std::string TemplateProcessor::Function(std::string_view macro, std::string_view
       if (!file || !mode || output_) return unchanged;
       const std::string m = Upper(*mode);
       if (m != "REWRITE" && m != "APPEND") return unchanged;
-      output_ = std::fopen(file->c_str(), m == "REWRITE" ? "wb" : "ab");
+      if (Allowed(*file)) output_ = std::fopen(file->c_str(), m == "REWRITE" ? "wb" : "ab");
       if (!output_) return "Error opening " + *file + " for output" + eol;
       return {};
     }

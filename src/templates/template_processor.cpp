@@ -84,7 +84,7 @@ void TemplateProcessor::AddLines(std::string_view text, int depth) {
 }
 
 void TemplateProcessor::LoadInclude(const std::string& name, int depth) {
-  if (depth > kMaxIncludeDepth || name.empty()) return;
+  if (depth > kMaxIncludeDepth || name.empty() || !FileExists(name)) return;
   if (auto text = ReadWholeFile(name)) AddLines(*text, depth);
 }
 
@@ -146,6 +146,7 @@ int TemplateProcessor::Finish(TemplateKind kind, TemplateData* data, std::string
     settings_.now = {tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday,
                      tm.tm_hour,        tm.tm_min,     tm.tm_sec};
   }
+  repeats_ = 0;
   random_ = settings_.seed ? settings_.seed : static_cast<std::uint32_t>(std::time(nullptr));
   loaded_ = true;
   return kLoaded;
@@ -386,7 +387,8 @@ std::string TemplateProcessor::Control(Keyword k, std::string_view macro, bool a
         tests_.pop_back();
       } else if (!blocks_.empty()) {
         Block& b = blocks_.back();
-        if (!b.dead && data_ && data_->NextItem(b.kind))
+        const bool may_repeat = settings_.max_repeats == 0 || repeats_ < settings_.max_repeats;
+        if (!b.dead && may_repeat && data_ && data_->NextItem(b.kind) && ++repeats_)
           b.jump_back = true;
         else
           blocks_.pop_back();

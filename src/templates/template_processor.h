@@ -80,6 +80,11 @@ struct RunSettings {
   std::string system_dir;    // where COOKIE.DAT lies
   DateTime now;              // the date macros; Load fills in the clock's time when year is 0
   std::uint32_t seed = 0;    // chooses the fortune cookie; 0 = from the clock
+  // Block bodies output again at most this often in the whole run (0 = no limit), so that
+  // nested blocks over made-up items cannot run for ever.
+  std::uint64_t max_repeats = 0;
+  // @include and @openoutput refuse names with a "/" (runs on untrusted templates).
+  bool local_files_only = false;
 };
 
 class TemplateProcessor {
@@ -167,6 +172,7 @@ class TemplateProcessor {
   std::string OverflowPiece();
   void StartCookie();
   Named* Variable(std::string_view upper_name);
+  bool Allowed(const std::string& file) const;
 
   std::vector<std::string> lines_;
   std::size_t next_ = 0;
@@ -192,6 +198,7 @@ class TemplateProcessor {
   bool filter_cr_ = false, filter_ansi_ = false;
   bool no_msg_output_ = false;
   std::uint32_t random_ = 0;
+  std::uint64_t repeats_ = 0;
 };
 
 }  // namespace ks::tpl

@@ -310,7 +310,10 @@ void CursesTerminal::Impl::DrawRow(int y) {
 }
 
 void CursesTerminal::Impl::ApplyCursor(bool beforeUpdate) {
-  const int show = !tooSmall && cursorShape == CursorShape::kUnderline ? 1 : 0;
+  const int show = tooSmall                                 ? 0
+                   : cursorShape == CursorShape::kUnderline ? 1
+                   : cursorShape == CursorShape::kBlock     ? 2
+                                                            : 0;
   if (beforeUpdate) {
     // A hidden cursor is left wherever the update ends, which saves moving it.
     leaveok(stdscr, show ? FALSE : TRUE);
@@ -322,9 +325,10 @@ void CursesTerminal::Impl::ApplyCursor(bool beforeUpdate) {
       curs_set(0);
       cursorShown = 0;
     }
-  } else if (show && cursorShown != 1) {
-    curs_set(1);
-    cursorShown = 1;
+  } else if (show && cursorShown != show) {
+    // A terminal without a very visible cursor shows its normal one instead.
+    if (curs_set(show) == ERR && show == 2) curs_set(1);
+    cursorShown = show;
   }
 }
 
@@ -530,6 +534,7 @@ void CursesTerminal::Close(int keepRows) {
 void CursesTerminal::Suspend() {
   Impl& t = *impl_;
   if (t.closed || t.abandoned) return;
+  def_prog_mode();  // the modes of full-screen mode, for Resume
   endwin();
   t.cursorShown = -1;  // the terminal shows its normal cursor now
 }
@@ -537,6 +542,7 @@ void CursesTerminal::Suspend() {
 void CursesTerminal::Resume() {
   Impl& t = *impl_;
   if (t.closed || t.abandoned) return;
+  reset_prog_mode();
   t.Repaint();  // the first update after endwin puts the terminal back into full-screen mode
 }
 

@@ -41,8 +41,8 @@ class CursesTerminal final : public Terminal {
 
   // Leaves full-screen mode for a while, to let another program use the terminal; Resume
   // returns to it and redraws the last presented cells.
-  void Suspend();
-  void Resume();
+  void Suspend() override;
+  void Resume() override;
 
   // True when colours can be shown: the terminal has them and NO_COLOR did not turn them off.
   bool ColourCapable() const;

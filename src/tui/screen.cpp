@@ -184,6 +184,23 @@ void Screen::Flush() {
   cursor_changed_ = false;
 }
 
+void Screen::RunOutside(const std::function<void()>& fn) {
+  Flush();
+  term_.Suspend();
+  struct Back {
+    Screen& s;
+    ~Back() {
+      s.term_.Resume();
+      // The other program may have written anywhere: every row is shown again.
+      std::fill(s.dirty_.begin(), s.dirty_.end(), true);
+      s.any_dirty_ = true;
+      s.cursor_changed_ = true;
+      s.Flush();
+    }
+  } back{*this};
+  fn();
+}
+
 std::uint8_t Screen::ReadKey() {
   Flush();
   return term_.ReadByte();

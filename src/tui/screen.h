@@ -111,6 +111,10 @@ class Screen {
   // Sends the changed rows and the cursor to the terminal.
   void Flush();
 
+  // Runs `fn` with the terminal out of full-screen mode, so that another program can use it,
+  // then returns to full-screen mode and shows every cell again (also when `fn` throws).
+  void RunOutside(const std::function<void()>& fn);
+
   // One key byte: a character, or 0 and then (next call) a scan code. Flushes first.
   std::uint8_t ReadKey();
 

@@ -15,7 +15,9 @@ struct Cell {
   bool operator==(const Cell&) const = default;
 };
 
-enum class CursorShape { kHidden, kUnderline };
+// kBlock is the very visible cursor (the overwrite mode of a text editor); a terminal that has
+// only one shows its normal cursor.
+enum class CursorShape { kHidden, kUnderline, kBlock };
 
 class Terminal {
  public:
@@ -48,6 +50,12 @@ class Terminal {
   // Leaves full-screen mode. The top `keepRows` rows of the last presented cells stay on the
   // terminal, the rest of it is cleared and the cursor waits at the start of the next row.
   virtual void Close(int keepRows) = 0;
+
+  // Hands the terminal to another program for a while: Suspend leaves full-screen mode, so the
+  // terminal is back in its normal screen and modes; Resume returns to full-screen mode and
+  // shows the last presented cells again.
+  virtual void Suspend() {}
+  virtual void Resume() {}
 
   // `handler` runs, from inside ReadByte or KeyWaiting, each time the size has changed; it is
   // expected to present cells of the new size. A resize never shows up as a key.

@@ -34,6 +34,8 @@ const std::map<std::string, std::vector<std::uint8_t>, std::less<>>& KeyNames() 
         {"Del", {0, key::kDel}},
         {"lt", {'<'}},
         {"C-Y", {25}},
+        {"C-Home", {0, key::kCtrlHome}},
+        {"C-End", {0, key::kCtrlEnd}},
     };
     for (int i = 1; i <= 10; ++i)
       (*m)["F" + std::to_string(i)] = {0, static_cast<std::uint8_t>(key::kF1 + i - 1)};

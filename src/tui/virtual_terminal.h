@@ -24,7 +24,8 @@ class VirtualTerminal : public Terminal {
 
   // Queues keys. Plain characters stand for themselves; names in angle brackets stand for
   // keys: <Enter> <Esc> <Tab> <S-Tab> <BS> <Space> <Up> <Down> <Left> <Right> <Home> <End>
-  // <PgUp> <PgDn> <Ins> <Del> <F1>..<F10> <Alt-A>..<Alt-Z> <lt> (a literal "<").
+  // <PgUp> <PgDn> <Ins> <Del> <C-Home> <C-End> <C-Y> <F1>..<F10> <Alt-A>..<Alt-Z> <lt> (a
+  // literal "<").
   // <Resize WxH> is no key: the terminal takes that size when the program reads up to it.
   void Keys(std::string_view script);
   std::size_t KeysLeft() const { return keys_.size(); }
@@ -50,6 +51,9 @@ class VirtualTerminal : public Terminal {
   bool monochrome() const { return mono_; }
   bool closed() const { return closed_; }
   int kept_rows() const { return kept_rows_; }
+  // How often the terminal was handed to another program and taken back.
+  int suspend_count() const { return suspends_; }
+  int resume_count() const { return resumes_; }
 
   // Terminal
   int Width() const override { return width_; }
@@ -60,6 +64,8 @@ class VirtualTerminal : public Terminal {
   bool KeyWaiting() override { return type_ahead_ && !keys_.empty(); }
   void SetMonochrome(bool mono) override { mono_ = mono; }
   void Close(int keepRows) override;
+  void Suspend() override { ++suspends_; }
+  void Resume() override { ++resumes_; }
 
  private:
   int width_, height_;
@@ -76,6 +82,8 @@ class VirtualTerminal : public Terminal {
   bool mono_ = false;
   bool closed_ = false;
   int kept_rows_ = -1;
+  int suspends_ = 0;
+  int resumes_ = 0;
 };
 
 }  // namespace ks

@@ -77,7 +77,7 @@ class PickRunner {
 PickRunner::PickRunner(PickList& list) : l_(list), s_(scr()) {
   if (multi() && static_cast<int>(l_.marks->size()) < l_.count)
     l_.marks->resize(static_cast<std::size_t>(l_.count), false);
-  l_.current = std::clamp(l_.current, 0, l_.count - 1);
+  l_.current = l_.count > 0 ? std::clamp(l_.current, 0, l_.count - 1) : 0;
 }
 
 void PickRunner::Layout() {
@@ -88,7 +88,7 @@ void PickRunner::Layout() {
   const int fit = s_.Height() - 1 - kShadowRows - frame_top - 1 - header_rows_;
   rows_ = std::min(l_.height > 0 ? std::min(l_.height, fit) : fit, l_.count);
   rows_ = std::max(rows_, 1);
-  first_ = std::clamp(l_.current, 0, l_.count - rows_);
+  first_ = std::clamp(l_.current, 0, std::max(0, l_.count - rows_));
   LoadPage();
 
   const int fit_w = s_.Width() - (l_.left ? l_.left - 1 : 0) - 4 - mark_cols - kShadowCols;
@@ -117,7 +117,7 @@ void PickRunner::LoadPage() {
     if (old >= 0 && old < static_cast<int>(page_.size()))
       page[static_cast<std::size_t>(i)] = std::move(page_[static_cast<std::size_t>(old)]);
     else
-      page[static_cast<std::size_t>(i)] = l_.row(first_ + i);
+      page[static_cast<std::size_t>(i)] = first_ + i < l_.count ? l_.row(first_ + i) : "";
   }
   page_ = std::move(page);
   page_first_ = first_;
@@ -137,7 +137,7 @@ void PickRunner::Draw() {
     line += std::string_view(page_[static_cast<std::size_t>(i)])
                 .substr(0, static_cast<std::size_t>(text_w_));
     const int inner = right_ - left_ - 1;
-    if (r == l_.current)
+    if (r == l_.current && r < l_.count)
       s_.WriteStrCursor(left_ + 1, row0 + i, c[kWindowSelect], line, inner);
     else
       s_.WriteStr(left_ + 1, row0 + i, c[kWindowText], line, inner);
@@ -145,6 +145,7 @@ void PickRunner::Draw() {
 }
 
 void PickRunner::MoveTo(int row) {
+  if (l_.count == 0) return;
   l_.current = std::clamp(row, 0, l_.count - 1);
   if (l_.current < first_) first_ = l_.current;
   if (l_.current >= first_ + rows_) first_ = l_.current - rows_ + 1;
@@ -153,6 +154,7 @@ void PickRunner::MoveTo(int row) {
 // PgUp/PgDn: the box scrolls a page and the highlight keeps its place in it, as far as the
 // ends of the list allow.
 void PickRunner::Page(int delta) {
+  if (l_.count == 0) return;
   first_ = std::clamp(first_ + delta, 0, l_.count - rows_);
   MoveTo(l_.current + delta);
 }
@@ -170,6 +172,7 @@ void PickRunner::Search(char first) {
   std::string_view want(*text);
   want.remove_prefix(std::min(want.size(), want.find_first_not_of(' ')));
   if (want.empty()) return;
+  if (l_.count == 0) return;
   const int from = (l_.current + 1) % l_.count;
   const int found = l_.search ? l_.search(want, from) : DefaultSearch(l_, want, from);
   if (found < 0 || found >= l_.count)
@@ -226,8 +229,14 @@ int PickRunner::Run() {
     Draw();
     bool extended = false;
     const std::uint8_t k = s_.ReadCode(&extended);
+    if (extended && l_.exit_keys.test(k)) {
+      l_.exit_scan = k;
+      return l_.current;
+    }
     if (extended) {
       HandleScan(k);
+    } else if (k == key::kEnter && l_.count == 0) {
+      continue;
     } else if (k == key::kEnter) {
       return l_.current;
     } else if (k == key::kEsc) {
@@ -330,7 +339,8 @@ constexpr const char* kPickKeys = "~Enter~-select ~Esc~-cancel";
 }  // namespace
 
 int RunPickList(PickList& list) {
-  if (list.count <= 0) {
+  list.exit_scan = 0;
+  if (list.count <= 0 && !list.show_empty) {
     if (!list.empty_message.empty()) ErrorBox(list.empty_message);
     return -1;
   }

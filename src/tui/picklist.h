@@ -3,6 +3,7 @@
 // entries costs no more than the rows on screen.
 #pragma once
 
+#include <bitset>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -33,6 +34,13 @@ struct PickList {
   std::function<int(std::string_view text, int from)> search;
   // Further extended keys (scan codes); true when handled (marks may have changed).
   std::function<bool(std::uint8_t scan)> on_key;
+  // Extended keys (scan codes) that end the list: RunPickList returns `current` and
+  // `exit_scan` tells the key (0 when Enter or Esc ended it).
+  std::bitset<256> exit_keys;
+  std::uint8_t exit_scan = 0;
+  // An empty list is shown as an empty box (its exit keys still work) instead of
+  // `empty_message`.
+  bool show_empty = false;
   int current = 0;  // the highlighted row, in and out
   // Box: `width` inner columns (0 = widest row, at most the screen), up to `height` rows
   // (0 = as many as fit); centred unless left/top are given.

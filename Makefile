@@ -80,6 +80,7 @@ bench: build
 	$(BUILD)/bench_groups
 	$(BUILD)/bench_list
 	$(BUILD)/bench_propagation
+	$(BUILD)/bench_editor
 
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')

@@ -63,9 +63,9 @@ std::string DrawKeyLine(const DrawSet& set) {
 // end gives no empty line after it.
 std::vector<std::string> SplitLines(const std::string& data, bool crlf) {
   std::vector<std::string> lines;
-  lines.reserve(static_cast<std::size_t>(std::count(data.begin(), data.end(), '\n')) + 1);
   const char* p = data.data();
   const char* const end = p + data.size();
+  lines.reserve(static_cast<std::size_t>(std::count(data.begin(), data.end(), '\n')) + 1);
   while (p < end) {
     const auto* nl =
         static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p)));

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "sysdata/sysdata.h"
+#include "tui/keys.h"
 #include "tui/menu.h"
 
 namespace ks {
@@ -28,6 +29,18 @@ FieldDef FileField(std::uint16_t offset, std::string prompt, std::string help) {
           .size = kPathLength,
           .prompt = std::move(prompt),
           .help = std::move(help)};
+}
+
+// F3 on the file-name field at `offset`: the file it names in the operator's editor, a name
+// without a directory taken from the program directory. An empty field opens nothing.
+FieldKey EditFileKey(std::uint16_t offset, const SysdataContext& ctx) {
+  return {offset, key::kF3, [offset, edit = ctx.edit_file, dir = ctx.program_dir](KESTRAcfg& cfg) {
+            const auto* rec = reinterpret_cast<const std::uint8_t*>(&cfg);
+            const std::string name =
+                reinterpret_cast<const PStr<kPathLength>*>(rec + offset)->str();
+            if (name.empty() || !edit) return;
+            edit(name.front() == '/' ? name : dir + name);
+          }};
 }
 
 // Field order of Pathnames (part 1).
@@ -121,7 +134,7 @@ SettingsScreen PathnamesScreen2() {
       kPathnamesTopic, kValueCol);
 }
 
-SettingsScreen FilenamesScreen() {
+SettingsScreen FilenamesScreen(const SysdataContext& ctx) {
   std::vector<FieldDef> fields = {
       FileField(CFG(aliasFile), "Alias",
                 "File containing alias names for file requests                            "
@@ -152,7 +165,11 @@ SettingsScreen FilenamesScreen() {
   };
   fields[12].mark = kTee;
   fields[13].mark = kCorner;
-  return StackedScreen("Filenames", "Filenames", std::move(fields), kFilenamesTopic, kValueCol);
+  SettingsScreen screen =
+      StackedScreen("Filenames", "Filenames", std::move(fields), kFilenamesTopic, kValueCol);
+  for (auto offset : {CFG(aliasFile), CFG(unwantedFile), CFG(wantedFile)})
+    screen.keys.push_back(EditFileKey(offset, ctx));
+  return screen;
 }
 
 SettingsScreen InternetScreen() {

@@ -35,6 +35,15 @@ void RunSettings(const SettingsScreen& screen, KESTRAcfg& cfg, int first) {
   EditPage page(screen.fields);
   page.topic = screen.topic;
   page.exit_keys.set(key::kF10);
+  page.on_key = [&](std::uint8_t scan, int field, std::uint8_t*) {
+    const FieldDef& f = page.field(field);
+    for (const FieldKey& k : screen.keys) {
+      if (k.scan != scan || k.offset != f.offset || f.label) continue;
+      k.run(cfg);
+      return true;
+    }
+    return false;
+  };
   if (LastRow(screen.fields) > screen.height) page.SetView(1, screen.height, 1, screen.width);
   for (int field = first;;) {
     field = page.Run(rec, left, top, field).field;

@@ -44,6 +44,14 @@ struct LeaveNote {
   bool stay = false;
 };
 
+// A key a field answers besides its editing keys, e.g. F3 to edit the file the field names.
+// The field's value is in the record when `run` is called.
+struct FieldKey {
+  std::uint16_t offset = 0;  // the field, by its place in the record
+  std::uint8_t scan = 0;     // an extended key
+  std::function<void(KESTRAcfg& cfg)> run;
+};
+
 struct SettingsScreen {
   std::string name;   // the menu item it opens from: "Pathnames (part 1)"
   std::string title;  // the window's title
@@ -52,6 +60,7 @@ struct SettingsScreen {
   int topic = 0;      // F1
   std::vector<FieldDef> fields;
   std::function<std::optional<LeaveNote>(const KESTRAcfg&)> on_leave;
+  std::vector<FieldKey> keys;
 };
 
 // Runs `screen` on `cfg` with the cursor starting on field `first`, until Esc or F10.

@@ -22,6 +22,11 @@ struct SysdataContext {
   // The "Colors" menu on the configuration's colour set; true when the colours changed (they
   // are then installed and the desktop drawn in them).
   std::function<bool()> colours;
+  // Opens a text file (a whole path) in the operator's editor: F3 on the fields that name
+  // such files. Unset, F3 does nothing.
+  std::function<void(const std::string& path)> edit_file;
+  // Where a file name without a directory is taken from: the program directory, with a "/".
+  std::string program_dir;
 };
 
 // The menus and the screens of the menu items.
@@ -61,7 +66,7 @@ void RunFindSetting(const SysdataContext& ctx);
 
 SettingsScreen PathnamesScreen1();
 SettingsScreen PathnamesScreen2();
-SettingsScreen FilenamesScreen();
+SettingsScreen FilenamesScreen(const SysdataContext& ctx);
 SettingsScreen InternetScreen();
 SettingsScreen OriginLinesScreen();
 SettingsScreen NetworkAddressesScreen();

@@ -87,7 +87,7 @@ void RunSystemDataMenu(const SysdataContext& ctx) {
       case 3:
         return Open(PathnamesScreen2(), ctx);
       case 4:
-        return Open(FilenamesScreen(), ctx);
+        return Open(FilenamesScreen(ctx), ctx);
       case 5:
         return Open(InternetScreen(), ctx);
       case 6:
@@ -132,9 +132,9 @@ std::vector<SettingsTarget> SettingsTargets(const SysdataContext& ctx) {
   };
   for (auto make : {NetworkAddressesScreen, SiteInformationScreen}) add(make());
   add(AkaMatchingScreen(ctx));
-  for (auto make : {DomainNamesScreen, PathnamesScreen1, PathnamesScreen2, FilenamesScreen,
-                    InternetScreen, OriginLinesScreen})
-    add(make());
+  for (auto make : {DomainNamesScreen, PathnamesScreen1, PathnamesScreen2}) add(make());
+  add(FilenamesScreen(ctx));
+  for (auto make : {InternetScreen, OriginLinesScreen}) add(make());
   for (int row = 0; row < kProgramRows; ++row) add(ProgramRowScreen(row));
   add(ExternalOptionsScreen());
   add(GlobalOptionsScreen(ctx));

@@ -375,5 +375,30 @@ TEST_F(SettingsTest, NumberOfSystemsIsTakenOnlyWhenTheChangeIsDone) {
   }
 }
 
+// F3 on the three files of Filenames that are meant to be edited opens them by their whole
+// path, a value typed just before included; an empty field and the other fields open nothing.
+TEST_F(SettingsTest, F3EditsTheFilesOfFilenames) {
+  std::vector<std::string> opened;
+  ctx_.edit_file = [&](const std::string& path) { opened.push_back(path); };
+  ctx_.program_dir = "/fido/kestra/";
+  const struct {
+    int first;
+    const char* keys;
+    std::vector<std::string> opened;
+  } cases[] = {
+      {0, "<F3><Down><F3><F10>", {"/fido/kestra/alias.txt"}},
+      {9, "<F3><Down><F3>new.lst<F3><Esc>", {"/etc/unwanted.lst", "/fido/kestra/new.lst"}},
+  };
+  for (const auto& c : cases) {
+    cfg_->aliasFile = "alias.txt";
+    cfg_->unwantedFile = "/etc/unwanted.lst";
+    opened.clear();
+    vt_.Keys(c.keys);
+    RunSettings(FilenamesScreen(ctx_), *cfg_, c.first);
+    EXPECT_EQ(opened, c.opened) << c.keys;
+    EXPECT_EQ(vt_.KeysLeft(), 0u);
+  }
+}
+
 }  // namespace
 }  // namespace ks

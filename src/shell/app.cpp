@@ -129,6 +129,7 @@ void InstallColours(bool colour, const KESTRAcfg* cfg) {
 int RunKsetup(const AppEnv& env) {
   ResetProgram();
   Program& p = prog();
+  p.getenv = env.getenv;
   const ProgramDir pd = FindProgramDir(env.argv0, env.self_exe, env.getenv);
   p.exe_path = pd.path;
   p.setup_name = pd.setup_name;

@@ -7,6 +7,7 @@
 
 #include "dbase/grouptable.h"
 #include "shell/kestracfg.h"
+#include "shell/progdir.h"
 
 namespace ks {
 
@@ -23,6 +24,7 @@ struct Program {
   std::unique_ptr<KESTRAcfg> cfg;  // the configuration, edited in place by every screen
   std::string work_dir;            // where temporary files go
   std::string help_dir;            // where KESTRA.DOC and KS_DOC.IDX were found
+  GetEnvFn getenv;                 // the environment the program was started with
   // The groups, one entry per GRPFILE record, loaded while the main menu runs.
   std::vector<GroupTableEntry> group_table;
   // The lock RunKsetup holds on the program directory while it runs; none outside it.

@@ -6,6 +6,7 @@
 #include "dbase/bbsfileareas.h"
 #include "editors/lists.h"
 #include "shell/app.h"
+#include "shell/edit_file.h"
 #include "shell/mainmenu.h"
 #include "shell/program.h"
 #include "shell/systems_change.h"
@@ -75,6 +76,8 @@ SysdataContext MakeSysdataContext() {
   ctx.change_systems = [](std::uint8_t old_systems, std::uint8_t new_systems) {
     return ChangeNumberOfSystems(*prog().cfg, old_systems, new_systems);
   };
+  ctx.edit_file = FileEditor(ctx.cfg, prog().getenv);
+  ctx.program_dir = prog().exe_path;
   return ctx;
 }
 

@@ -388,10 +388,14 @@ std::string TemplateProcessor::Control(Keyword k, std::string_view macro, bool a
       } else if (!blocks_.empty()) {
         Block& b = blocks_.back();
         const bool may_repeat = settings_.max_repeats == 0 || repeats_ < settings_.max_repeats;
-        if (!b.dead && may_repeat && data_ && data_->NextItem(b.kind) && ++repeats_)
+        if (!b.dead && may_repeat && data_ && data_->NextItem(b.kind) && ++repeats_) {
           b.jump_back = true;
-        else
-          blocks_.pop_back();
+          return {};
+        }
+        // A block on one line ends its line when nothing follows its @end.
+        const bool one_line = !b.body_rest.empty();
+        blocks_.pop_back();
+        return one_line && at_eol ? "\r" : "";
       }
       return {};
     case Keyword::Else:

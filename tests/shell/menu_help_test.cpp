@@ -4,6 +4,7 @@
 #include "common/fileutil.h"
 #include "docs/docviewer.h"
 #include "docs/helpsys.h"
+#include "docs/text_editor.h"
 #include "shell/mainmenu.h"
 #include "tui/colourmenu.h"
 
@@ -39,7 +40,8 @@ TEST_F(MenuHelpTest, EveryMenuItemTopicIsTitledLikeTheItem) {
 }
 
 TEST_F(MenuHelpTest, TopicsOfTheOtherScreensExist) {
-  for (int topic : {kMainHelpTopic, kViewerHelpTopic, int{kColorsHelpTopic}, 3, 4, 6, 7})
+  for (int topic :
+       {kMainHelpTopic, kViewerHelpTopic, int{kColorsHelpTopic}, kEditorHelpTopic, 3, 4, 6, 7})
     EXPECT_FALSE(help_.TopicTitle(topic).empty()) << topic;
 }
 

@@ -81,6 +81,7 @@ bench: build
 	$(BUILD)/bench_list
 	$(BUILD)/bench_propagation
 	$(BUILD)/bench_editor
+	$(BUILD)/bench_template
 
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')

@@ -70,7 +70,9 @@ void TemplateProcessor::AddLines(std::string_view text, int depth) {
     const std::string upper = Upper(kept);
     const auto at = upper.find("@INCLUDEAPL(");
     if (at == std::string::npos) {
-      lines_.push_back(std::move(kept));
+      std::replace(kept.begin(), kept.end(), '\xFF', ' ');
+      const bool overflow = upper.find("@OVERFLOW") != std::string::npos;
+      lines_.push_back({std::move(kept), IsComment(upper), overflow});
       continue;
     }
     // The name is cut from the capitals exactly so: the position of the "@" (counted from 1)
@@ -112,16 +114,16 @@ int TemplateProcessor::LoadText(std::string_view text, TemplateKind kind, Templa
 int TemplateProcessor::Finish(TemplateKind kind, TemplateData* data, std::string to,
                               std::string from, std::string subject, RunSettings settings) {
   const bool any =
-      std::any_of(lines_.begin(), lines_.end(), [](const std::string& l) { return !IsComment(l); });
+      std::any_of(lines_.begin(), lines_.end(), [](const Line& l) { return !l.comment; });
   if (!any) {
     Release();
     return kUnableToOpen;
   }
   // Every block and every test needs its own @end.
   long depth = 0;
-  for (const std::string& line : lines_) {
-    if (IsComment(line)) continue;
-    const std::string upper = Upper(line);
+  for (const Line& line : lines_) {
+    if (line.comment) continue;
+    const std::string upper = Upper(line.text);
     for (std::string_view w : kBlockWords)
       if (upper.find(w) != std::string::npos) {
         ++depth;
@@ -204,16 +206,13 @@ bool TemplateProcessor::TakeLine() {
     next_ = overflow_line_;
   overflow_line_ = SIZE_MAX;
   while (next_ < lines_.size()) {
-    const std::string& line = lines_[next_++];
-    if (IsComment(line)) continue;
-    const bool overflow_line = Upper(line).find("@OVERFLOW") != std::string::npos;
-    if (overflow_line && overflow_.text.empty()) continue;
-    if (overflow_line) {
+    const Line& line = lines_[next_++];
+    if (line.comment || (line.overflow && overflow_.text.empty())) continue;
+    if (line.overflow) {
       overflow_line_ = next_ - 1;
       overflow_size_at_take_ = overflow_.text.size();
     }
-    pending_ = line;
-    std::replace(pending_.begin(), pending_.end(), '\xFF', ' ');
+    pending_ = line.text;
     return true;
   }
   return false;

@@ -174,7 +174,13 @@ class TemplateProcessor {
   Named* Variable(std::string_view upper_name);
   bool Allowed(const std::string& file) const;
 
-  std::vector<std::string> lines_;
+  // A template line as loaded: bytes 255 already blanks, its kind worked out once.
+  struct Line {
+    std::string text;
+    bool comment = false;   // begins with ";": never output
+    bool overflow = false;  // holds "@OVERFLOW": output only while there is overflow text
+  };
+  std::vector<Line> lines_;
   std::size_t next_ = 0;
   std::string pending_;
   bool loaded_ = false;

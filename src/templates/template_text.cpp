@@ -117,10 +117,11 @@ std::vector<std::string> SplitArguments(std::string_view args) {
   const auto take = [&](std::size_t end) {
     out.emplace_back(Trim(args.substr(start, end - start)).substr(0, kArgumentLimit));
   };
+  out.reserve(kMaxArguments);
+  bool macro_arg = Trim(args).starts_with('@');
   while (i < args.size()) {
     if (out.size() == kMaxArguments - 1) break;  // the fifth argument is the rest
     const char c = args[i];
-    const bool macro_arg = Trim(args.substr(start)).starts_with('@');
     if (c == '"') {
       quoted = !quoted;
     } else if (!quoted && macro_arg && c == '(') {
@@ -130,6 +131,7 @@ std::vector<std::string> SplitArguments(std::string_view args) {
     } else if (!quoted && depth == 0 && c == ',') {
       take(i);
       start = i + 1;
+      macro_arg = Trim(args.substr(start)).starts_with('@');
     }
     ++i;
   }

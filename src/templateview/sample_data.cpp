@@ -71,7 +71,7 @@ std::vector<std::pair<std::string, std::string>> SampleData::RequestMacros() {
 }
 
 int SampleData::Files() const {
-  return s_.kind == ViewerKind::kFileechoList ? 1 : kSampleFiles;
+  return s_.kind == ViewerKind::kFileechoList ? 1 : s_.files;
 }
 
 void SampleData::CountFile() {

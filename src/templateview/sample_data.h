@@ -41,6 +41,7 @@ struct SampleSource {
   std::vector<std::string> archivers;  // names of the archiver rows 1..10
   tpl::DateTime file_date;             // date and time of every sample file
   std::uint32_t seed = 1;              // the random averages of @avgfiles and @avgkb
+  int files = kSampleFiles;            // files per file or bill block of a file report
 };
 
 class SampleData : public tpl::TemplateData {

@@ -46,7 +46,7 @@ std::string TemplateDir(const TemplateContext& ctx) {
 }
 
 std::string WriteTemplateOutput(const TemplateContext& ctx, const std::string& name,
-                                ViewerKind kind, const std::string& out_path) {
+                                ViewerKind kind, const std::string& out_path, int sample_files) {
   const KESTRAcfg& cfg = *ctx.cfg;
   auto source = std::make_unique<SampleSource>();
   {
@@ -62,6 +62,7 @@ std::string WriteTemplateOutput(const TemplateContext& ctx, const std::string& n
     return "There are no file areas defined//In order to view this template, you must/run "
            "DIRBUILD to compile your BBS file areas";
   source->kind = kind;
+  source->files = sample_files;
   source->cfg = &cfg;
   source->group_name = NameOfGroup(ctx.data_dir, source->fileecho.group);
   source->version = ctx.version;

@@ -35,7 +35,8 @@ void ViewTemplate(const TemplateContext& ctx, const std::string& name, ViewerKin
 // Writes the output of template `name` run as `kind` to `out_path`; "" when done, else the
 // message that tells why not ("/" splits lines). Used by ViewTemplate.
 std::string WriteTemplateOutput(const TemplateContext& ctx, const std::string& name,
-                                ViewerKind kind, const std::string& out_path);
+                                ViewerKind kind, const std::string& out_path,
+                                int sample_files = kSampleFiles);
 
 // Utilities › Template editor: the .APL files of the template directory.
 void RunTemplateList(const TemplateContext& ctx);

@@ -448,10 +448,13 @@ bool TextEditor::HandleExtended(std::uint8_t scan) {
       row_ = row_ > page ? row_ - page : 0;
       top_ = top_ > page ? top_ - page : 0;
       break;
-    case key::kPgDn:
+    case key::kPgDn: {
+      // The last window stays full.
+      const std::size_t rows = static_cast<std::size_t>(Rows());
       row_ = std::min(row_ + page, lines_.size() - 1);
-      top_ = std::min(top_ + page, lines_.size() - 1);
+      top_ = std::min(top_ + page, lines_.size() > rows ? lines_.size() - rows : 0);
       break;
+    }
     case key::kCtrlHome:
     case key::kCtrlPgUp:
       row_ = col_ = 0;

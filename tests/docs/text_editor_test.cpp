@@ -120,6 +120,11 @@ TEST_F(EditorTest, ScreenShowsPositionKeysAndQuestions) {
       {"<F3>", 0, "Insert file: "},
       {"<F3>nothere<Enter>", 0, "Unable to open file"},
       {"<F2>", 0, "@fileecho      1,2    Fileecho tag"},
+      {"<PgDn>", 7,
+       "\xBA"
+       "second "},                                      // a short text does not scroll away
+      {"<Resize 100x30>", 30, "Esc-done F2-PickList"},  // the window fits a new size at once
+      {"<Down>", 29, " L 2     C 1"},
   };
   for (const auto& c : cases) {
     vt_.Keys(c.keys);

@@ -192,7 +192,7 @@ TEST_F(EditorTest, AnExternalEditorRunsOnTheFile) {
   EXPECT_EQ(ReadWholeFile(path).value_or("-"), "hi\n");
   EditTextFile(path, "exit 3;", {}, ticking);  // ran, so no question
   EXPECT_EQ(RunExternalEditor("exit 3;", path, ticking).status, 3);
-  const EditorRun missing = RunExternalEditor("no-such-editor-here", path, ticking);
+  const EditorRun missing = RunExternalEditor("no-such-editor-here 2>/dev/null", path, ticking);
   EXPECT_FALSE(missing.ran);
   EXPECT_EQ(missing.status, 127);
   EXPECT_EQ(ShellQuote("a'b"), "'a'\\''b'");

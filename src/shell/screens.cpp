@@ -6,11 +6,13 @@
 #include "dbase/bbsfileareas.h"
 #include "editors/lists.h"
 #include "shell/app.h"
+#include "shell/cmdline.h"
 #include "shell/edit_file.h"
 #include "shell/mainmenu.h"
 #include "shell/program.h"
 #include "shell/systems_change.h"
 #include "sysdata/sysdata.h"
+#include "templateview/template_viewer.h"
 #include "tui/colourmenu.h"
 #include "tui/picklist.h"
 #include "tui/ui.h"
@@ -81,6 +83,18 @@ SysdataContext MakeSysdataContext() {
   return ctx;
 }
 
+TemplateContext MakeTemplateContext() {
+  const Program& p = prog();
+  TemplateContext ctx;
+  ctx.cfg = p.cfg.get();
+  ctx.program_dir = p.exe_path;
+  ctx.data_dir = AddSlash(p.DataDir());
+  ctx.version = VersionString();
+  ctx.archivers = MakeListContext().archivers;
+  ctx.edit_file = FileEditor(ctx.cfg, p.getenv);
+  return ctx;
+}
+
 // The choices of "Miscellaneous" that KSETUP itself follows.
 void ApplyUiOptions(const KESTRAcfg& cfg) {
   ui().confirm_delete = cfg.confirmDelete != 0;
@@ -114,6 +128,7 @@ void RegisterScreens() {
   });
   Fill(acts.echomail[1], List(RunEchomailManager));
   Fill(acts.echomail[3], List(RunPackManager));
+  Fill(acts.utilities[1], [] { RunTemplateList(MakeTemplateContext()); });
   Fill(acts.utilities[4], List(RunUplinkRequests));
   Fill(acts.main[kSystemData], Settings(RunSystemDataMenu));
   Fill(acts.main[kRequestProcessor], Settings(RunRequestProcessor));

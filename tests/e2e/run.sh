@@ -54,7 +54,8 @@ WHY=
 
 # start NAME DIR [ARGS...]: runs ksetup on program directory DIR in a new 80x25 session. When
 # the program ends its exit status goes to $STATUS; the pane then stays as the program left it
-# until the server is killed at the end of the run.
+# until the server is killed at the end of the run. $START_ENV holds further NAME=VALUE words
+# for the program's otherwise empty environment.
 start() {
   SESSION=$1
   DIR=$2
@@ -64,7 +65,7 @@ start() {
   tmx new-session -d -s "$SESSION" -x 80 -y 25 -- \
     sh -c 'st=$1; shift; "$@"; echo "EXIT=$?" > "$st.new"; mv "$st.new" "$st"; exec tail -f /dev/null' \
     sh "$STATUS" env -i PATH=/usr/bin:/bin HOME="$WORK" LC_ALL=C.UTF-8 TERM=xterm-256color \
-    KESTRA="$DIR" "$KSETUP" "$@"
+    ${START_ENV:-} KESTRA="$DIR" "$KSETUP" "$@"
 }
 
 pane() { tmx capture-pane -p -t "$SESSION"; }

@@ -183,17 +183,13 @@ void DocViewer::Run() {
   }
   Screen& s = scr();
   for (;;) {
-    Fit();  // a resize while a box stood on the window is made up for here
-    Draw();
     bool extended = false;
-    std::uint8_t k = 0;
-    {
-      const Screen::AfterResize refit(s, [this] {
-        Fit();
-        Draw();
-      });
-      k = s.ReadCode(&extended);
-    }
+    const std::uint8_t k = s.ReadCodeFitted(
+        [this] {
+          Fit();
+          Draw();
+        },
+        &extended);
     const auto page = static_cast<std::size_t>(Rows());
     if (!extended) {
       switch (std::toupper(k)) {

@@ -494,17 +494,13 @@ bool TextEditor::Run() {
   Screen& s = scr();
   const CursorShape shape = s.cursor_shape();
   for (;;) {
-    Fit();  // a resize while a box stood on the window is made up for here
-    Draw();
     bool extended = false;
-    std::uint8_t k = 0;
-    {
-      const Screen::AfterResize refit(s, [this] {
-        Fit();
-        Draw();
-      });
-      k = s.ReadCode(&extended);
-    }
+    const std::uint8_t k = s.ReadCodeFitted(
+        [this] {
+          Fit();
+          Draw();
+        },
+        &extended);
     bool leave = false;
     if (extended) {
       leave = HandleExtended(k);

@@ -54,7 +54,7 @@ constexpr Row kRows[] = {
     {"@fileorigin", "2,3,4", "Origin address of this file", 0},
     {"@filefrom", "2,3,4", "Whom this file was received from", 0},
     {"@filecrc", "2,3,4", "Crc of the file", 0},
-    {"@filereplace", "2,3,4", "File(spec) this file replaces", 0},
+    {"@filereplace", "2,3,4", "Filemask this file replaces", 0},
     {"@filemagic", "2,3,4", "Magic name for this file", 0},
     {"@fileecho", "<all>", "Name of the fileecho", 0},
     {"@group", "<all>", "Group this fileecho belongs to", 0},

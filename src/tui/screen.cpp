@@ -206,6 +206,12 @@ std::uint8_t Screen::ReadKey() {
   return term_.ReadByte();
 }
 
+std::uint8_t Screen::ReadCodeFitted(const std::function<void()>& draw, bool* extended) {
+  draw();  // a resize while a box stood on the window is made up for here
+  const AfterResize refit(*this, draw);
+  return ReadCode(extended);
+}
+
 std::uint8_t Screen::ReadCode(bool* extended) {
   std::uint8_t k = ReadKey();
   if (extended) *extended = (k == 0);

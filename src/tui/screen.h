@@ -121,6 +121,9 @@ class Screen {
   // One code per key: the character, or the scan code of an extended key. `extended` tells
   // which it was. Characters and scan codes thus share one code space.
   std::uint8_t ReadCode(bool* extended = nullptr);
+  // For windows that fill the screen: `draw` lays the window out for the current size and
+  // draws it, now and again after every resize while the key is awaited.
+  std::uint8_t ReadCodeFitted(const std::function<void()>& draw, bool* extended = nullptr);
 
   // True when a key is waiting to be read.
   bool KeyPressed();

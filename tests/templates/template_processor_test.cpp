@@ -2,6 +2,7 @@
 // blocks get, and the output expected (line ends shown as "\n").
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <map>
 
@@ -182,6 +183,19 @@ TEST(TemplateProcessor, Files) {
   EXPECT_EQ(Output(p), "Error opening /no/such/dir/f for output\n");
   p.Release();
   EXPECT_FALSE(p.loaded());
+}
+
+// Hostile templates end with clear output: a 1 MB line is cut, a template that includes
+// itself stops at the include depth.
+TEST(TemplateProcessor, HostileTemplates) {
+  EXPECT_EQ(Process(Repeat("x", 1 << 20)), Repeat("x", 255) + "\n");
+  test::TempDir dir;
+  const auto cwd = std::filesystem::current_path();
+  std::filesystem::current_path(dir.path());
+  dir.Write("PL(SELF", "@INCLUDEAPL(self)\nline\n");  // the name as the directive gives it
+  const std::string out = Process("@includeapl(self)\nend");
+  std::filesystem::current_path(cwd);
+  EXPECT_EQ(out, Repeat("line\n", kMaxIncludeDepth) + "end\n");
 }
 
 TEST(TemplateProcessor, DefinedMacros) {

@@ -1,6 +1,7 @@
 #include "shell/screens.h"
 
 #include <algorithm>
+#include <filesystem>
 
 #include "common/fileutil.h"
 #include "dbase/bbsfileareas.h"
@@ -13,6 +14,7 @@
 #include "shell/systems_change.h"
 #include "sysdata/sysdata.h"
 #include "templateview/template_viewer.h"
+#include "transfer/transfer.h"
 #include "tui/colourmenu.h"
 #include "tui/picklist.h"
 #include "tui/ui.h"
@@ -92,6 +94,16 @@ TemplateContext MakeTemplateContext() {
   ctx.version = VersionString();
   ctx.archivers = MakeListContext().archivers;
   ctx.edit_file = FileEditor(ctx.cfg, p.getenv);
+  return ctx;
+}
+
+TransferContext MakeTransferContext() {
+  TransferContext ctx;
+  ctx.cfg = prog().cfg.get();
+  ctx.data_dir = AddSlash(prog().DataDir());
+  std::error_code ec;
+  ctx.current_dir = AddSlash(std::filesystem::current_path(ec).string());
+  ctx.version = VersionString();
   return ctx;
 }
 

@@ -97,7 +97,7 @@ TemplateContext MakeTemplateContext() {
   return ctx;
 }
 
-TransferContext MakeTransferContext() {
+[[maybe_unused]] TransferContext MakeTransferContext() {
   TransferContext ctx;
   ctx.cfg = prog().cfg.get();
   ctx.data_dir = AddSlash(prog().DataDir());

@@ -300,12 +300,8 @@ std::string TemplateProcessor::Evaluate(std::string_view macro, bool at_eol) {
   const MacroParts parts = SplitMacro(macro);
   const std::string upper = Upper(std::string(parts.name.substr(0, parts.call ? kNameLimit : 255)));
   if (parts.call) return Function(macro, upper, parts.args, at_eol);
-  if (const auto k = FindKeyword(upper)) {
-    if (*k < Keyword::Just) {
-      const std::string control = Control(*k, macro, at_eol);
-      if (control != std::string(1, kUnknownMarker)) return control;
-    }
-  }
+  if (const auto k = FindKeyword(upper); k && *k < Keyword::Just)
+    if (auto control = Control(*k, at_eol)) return *std::move(control);
   const auto value = ValueOf(upper);
   if (!value) return std::string(macro) + eol;
   return *value + eol;
@@ -364,12 +360,12 @@ std::optional<std::string> TemplateProcessor::BuiltIn(Keyword k) {
   }
 }
 
-// The control macros; the marker when `k` is a value macro after all.
-std::string TemplateProcessor::Control(Keyword k, std::string_view macro, bool at_eol) {
+// The control macros; nothing when `k` is a value macro.
+std::optional<std::string> TemplateProcessor::Control(Keyword k, bool at_eol) {
   if (IsBlockBegin(k)) {
     Block b;
     b.kind = k;
-    if (blocks_.size() >= kMaxBlockDepth) return {};
+    if (blocks_.size() >= kMaxBlockDepth) return std::string();
     if (Suppressing() || !data_ || !data_->FirstItem(k)) {
       b.dead = true;
     } else {
@@ -378,7 +374,7 @@ std::string TemplateProcessor::Control(Keyword k, std::string_view macro, bool a
     }
     blocks_.push_back(std::move(b));
     began_block_ = true;
-    return {};
+    return std::string();
   }
   switch (k) {
     case Keyword::End:
@@ -389,51 +385,50 @@ std::string TemplateProcessor::Control(Keyword k, std::string_view macro, bool a
         const bool may_repeat = settings_.max_repeats == 0 || repeats_ < settings_.max_repeats;
         if (!b.dead && may_repeat && data_ && data_->NextItem(b.kind) && ++repeats_) {
           b.jump_back = true;
-          return {};
+          return std::string();
         }
         // A block on one line ends its line when nothing follows its @end.
         const bool one_line = !b.body_rest.empty();
         blocks_.pop_back();
         return one_line && at_eol ? "\r" : "";
       }
-      return {};
+      return std::string();
     case Keyword::Else:
       if (!tests_.empty() && tests_.back().active)
         tests_.back().suppress = static_cast<std::uint8_t>(!tests_.back().suppress);
-      return {};
+      return std::string();
     case Keyword::Overflow:
       return Suppressing() ? std::string() : OverflowPiece() + (at_eol ? "\r" : "");
     case Keyword::ClearOverflow:
       overflow_ = {};
-      return {};
+      return std::string();
     case Keyword::FilterDesc:
       filter_cr_ = filter_ansi_ = true;
-      return {};
+      return std::string();
     case Keyword::FilterCr:
       filter_cr_ = true;
-      return {};
+      return std::string();
     case Keyword::FilterAnsi:
       filter_ansi_ = true;
-      return {};
+      return std::string();
     case Keyword::NoMsgOutput:
       no_msg_output_ = true;
-      return {};
+      return std::string();
     case Keyword::CloseOutput:
       if (output_) std::fclose(output_);
       output_ = nullptr;
-      return {};
+      return std::string();
     case Keyword::AllowBreak:
     case Keyword::ForceBreak:
       if (data_ && !Suppressing()) data_->Break(k == Keyword::ForceBreak);
-      return {};
+      return std::string();
     case Keyword::Cookie:
       if (!Suppressing()) StartCookie();
-      return {};
+      return std::string();
     case Keyword::IncludeApl:
-      return {};
+      return std::string();
     default:
-      (void)macro;
-      return std::string(1, kUnknownMarker);
+      return std::nullopt;
   }
 }
 

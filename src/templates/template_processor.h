@@ -34,9 +34,6 @@ inline constexpr int kSyntaxError = 2;   // the @end macros do not match the blo
 // for kLoaded.
 std::string LoadResultText(int result);
 
-// The byte a value lookup gives for a name that is no macro.
-inline constexpr char kUnknownMarker = '\xFF';
-
 // Limits of the run-time tables.
 inline constexpr std::size_t kLineLimit = 255;
 inline constexpr std::size_t kMaxTests = 10;
@@ -163,7 +160,7 @@ class TemplateProcessor {
                        bool at_eol);
   std::optional<std::string> ValueOf(std::string_view upper_name);
   std::optional<std::string> BuiltIn(Keyword k);
-  std::string Control(Keyword k, std::string_view macro, bool at_eol);
+  std::optional<std::string> Control(Keyword k, bool at_eol);
   std::optional<std::string> Argument(std::string_view arg);
   std::string JustOrCenter(const std::vector<std::string>& v, bool center, bool& ok);
   std::string CopyPart(const std::vector<std::string>& v, bool& ok);

@@ -14,6 +14,7 @@
 #include "shell/systems_change.h"
 #include "sysdata/sysdata.h"
 #include "templateview/template_viewer.h"
+#include "transfer/export_menu.h"
 #include "transfer/transfer.h"
 #include "tui/colourmenu.h"
 #include "tui/picklist.h"
@@ -97,12 +98,13 @@ TemplateContext MakeTemplateContext() {
   return ctx;
 }
 
-[[maybe_unused]] TransferContext MakeTransferContext() {
+TransferContext MakeTransferContext() {
   TransferContext ctx;
   ctx.cfg = prog().cfg.get();
   ctx.data_dir = AddSlash(prog().DataDir());
   std::error_code ec;
   ctx.current_dir = AddSlash(std::filesystem::current_path(ec).string());
+  ctx.program_dir = prog().exe_path;
   ctx.version = VersionString();
   return ctx;
 }
@@ -141,6 +143,7 @@ void RegisterScreens() {
   Fill(acts.echomail[1], List(RunEchomailManager));
   Fill(acts.echomail[3], List(RunPackManager));
   Fill(acts.utilities[1], [] { RunTemplateList(MakeTemplateContext()); });
+  Fill(acts.utilities[2], [] { RunExportMenu(MakeTransferContext()); });
   Fill(acts.utilities[4], List(RunUplinkRequests));
   Fill(acts.main[kSystemData], Settings(RunSystemDataMenu));
   Fill(acts.main[kRequestProcessor], Settings(RunRequestProcessor));

@@ -13,6 +13,7 @@ struct TransferContext {
   const KESTRAcfg* cfg = nullptr;
   std::string data_dir;     // with "/": the record files
   std::string current_dir;  // with "/": where relative file names are taken from
+  std::string program_dir;  // with "/": where the uplinks' list files are found by default
   std::string version;      // the program version, for report titles
 };
 

@@ -82,6 +82,7 @@ bench: build
 	$(BUILD)/bench_propagation
 	$(BUILD)/bench_editor
 	$(BUILD)/bench_template
+	$(BUILD)/bench_export
 
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')

@@ -22,37 +22,67 @@ constexpr std::size_t kNameWidth = 41;
 constexpr std::size_t kThroughDescription = offsetof(FileMGRrec, group) + 1;
 constexpr std::size_t kThroughDestination = offsetof(FileMGRrec, maxSize);
 
-// FAREAS read through its index. The data file is mapped, so each record costs a copy of
-// only the bytes a list needs instead of a read of the whole record.
+// FAREAS read through its index. The index is read and checked against the data file here:
+// the record file class's own check on opening costs more than the whole list. The data file
+// is mapped, so each record costs a copy of only the bytes a list needs.
 class FileechoReader {
  public:
   explicit FileechoReader(const TransferContext& ctx)
-      : areas_(ctx.cfg->numberOfSystems), systems_(ctx.cfg->numberOfSystems) {}
+      : systems_(ctx.cfg->numberOfSystems),
+        record_size_(FileDef(RecordFileId::kFAreas).RecordSize(systems_)) {}
 
   bool Open(const std::string& dir) {
-    return areas_.Open(dir) && (areas_.Count() == 0 || data_.Map(areas_.data_file_name()));
+    if (Load(dir) && Fits()) return true;
+    // An index that does not fit its data file (one left from a pack cut short) is rebuilt
+    // by the record file class when it opens the pair.
+    TFAreasFile areas(systems_);
+    return areas.Open(dir) && Load(dir);
   }
-  int Count() const { return areas_.Count(); }
+  int Count() const { return static_cast<int>(index_.size()); }
   std::size_t systems() const { return systems_; }
 
-  // The record of index entry i, its first `bytes` bytes (at most the record); nothing when
-  // the entry refers to no whole record.
+  // The record of index entry i; nothing when the entry refers to no whole record.
   const std::uint8_t* Record(int i) const {
-    const std::uint64_t at = std::uint64_t{areas_.GetIndex(i).recno} * areas_.record_size();
-    if (at + areas_.record_size() > data_.size()) return nullptr;
-    return data_.data() + at;
+    const std::uint64_t at =
+        std::uint64_t{index_[static_cast<std::size_t>(i)].recno} * record_size_;
+    if (at + record_size_ > data_->size()) return nullptr;
+    return data_->data() + at;
   }
+  // Its first `bytes` bytes copied into `rec` (the rest of `rec` is left as it was).
   bool Read(int i, FileMGRrec& rec, std::size_t bytes) const {
     const std::uint8_t* p = Record(i);
     if (!p) return false;
-    std::memcpy(&rec, p, std::min(bytes, areas_.record_size()));
+    std::memcpy(&rec, p, std::min(bytes, record_size_));
     return true;
   }
 
  private:
-  TFAreasFile areas_;
-  MappedFile data_;
-  std::size_t systems_;
+  bool Load(const std::string& dir) {
+    const std::string base = FileDef(RecordFileId::kFAreas).base;
+    const auto index = ReadWholeFile(IndexFileName(dir, base));
+    data_.emplace();
+    if (!index || !FileExists(DataFileName(dir, base)) || !data_->Map(DataFileName(dir, base)))
+      return false;
+    const std::size_t n = std::min<std::size_t>(index->size() / sizeof(FileMGRidx), 0xFFFF);
+    index_.resize(n);
+    std::memcpy(index_.data(), index->data(), n * sizeof(FileMGRidx));
+    return true;
+  }
+  // Every entry refers to a whole record with its own tag and group.
+  bool Fits() const {
+    for (int i = 0; i < Count(); ++i) {
+      const std::uint8_t* rec = Record(i);
+      const FileMGRidx& e = index_[static_cast<std::size_t>(i)];
+      if (!rec || std::memcmp(rec, &e.tag, 1 + e.tag.size()) != 0 ||
+          rec[offsetof(FileMGRrec, group)] != e.group)
+        return false;
+    }
+    return true;
+  }
+
+  std::size_t systems_, record_size_;
+  std::vector<FileMGRidx> index_;
+  std::optional<MappedFile> data_;
 };
 
 void AppendNameField(std::string& out, std::string_view name) {

@@ -91,6 +91,12 @@ TEST_F(ExportTest, ListsInIndexOrder) {
                                     Field("ALPHA") + "/files/ALPHA\n" + Field("BETA") +
                                     "/files/BETA\n" + Field("linux") + "/files/linux\n" +
                                     Field(kLongTag) + "/files/XXXXX\n");
+  // An index that does not fit its data (an entry past the end) is rebuilt, not trusted.
+  const std::string dirs = *DestDirsText(ctx_);
+  std::string index = File("FAREAS.IDX");
+  index[42] = '\x63';
+  dir_.Write("FAREAS.IDX", index);
+  EXPECT_EQ(DestDirsText(ctx_), dirs);
 }
 
 // Two names to a line, each fileecho once per node even when it lists the node twice; a node

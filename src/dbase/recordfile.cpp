@@ -143,6 +143,29 @@ bool TRecordFile::AddBytes(const void* record) {
   return SaveIndex();
 }
 
+bool TRecordFile::AddManyBytes(const void* records, std::size_t n) {
+  if (!open_ || count_ + n > 0xFFFF) return false;
+  if (n == 0) return true;
+  const std::uint64_t size = data_.Size().value_or(0);
+  const std::uint64_t first = size / record_size_;
+  if (first + n > kMaxRecords) return false;
+  if (!data_.WriteAt(first * record_size_, records, n * record_size_)) {
+    data_.Truncate(size);
+    return false;
+  }
+  const auto* bytes = static_cast<const std::uint8_t*>(records);
+  std::vector<std::uint8_t> entry(entry_size_);
+  index_.reserve(index_.size() + n * entry_size_);
+  for (std::size_t i = 0; i < n; ++i) {
+    keys_.MakeKey(bytes + i * record_size_, entry.data());
+    SetEntryRecNo(entry.data(), keys_.length(), static_cast<std::uint16_t>(first + i));
+    index_.insert(index_.end(), entry.begin(), entry.end());
+  }
+  count_ = static_cast<std::uint16_t>(count_ + n);
+  SortIndex();
+  return SaveIndex();
+}
+
 bool TRecordFile::UpdateBytes(int i, const void* record) {
   if (!open_ || i < 0 || i >= count_) return false;
   const auto* rec = static_cast<const std::uint8_t*>(record);

@@ -50,6 +50,9 @@ class TRecordFile {
   // compare with "a".."z" folded to capitals. -1 when closed, empty or not found.
   int FindBytes(const std::uint8_t* key_field) const;
   bool AddBytes(const void* record);
+  // Appends `n` records lying one after another (record_size() bytes each) and writes the
+  // index once: the data first, then the index in one replacement, as AddBytes does.
+  bool AddManyBytes(const void* records, std::size_t n);
   bool UpdateBytes(int i, const void* record);
   bool Delete(int i);
   // The index afresh from the data file: every record whose first key is set.

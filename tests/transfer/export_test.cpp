@@ -71,26 +71,21 @@ class ExportTest : public test::VtTest {
   TransferContext ctx_;
 };
 
-std::string Field(const std::string& name) {
-  return NameField(name);
-}
-
 TEST_F(ExportTest, ListsInIndexOrder) {
   Records();
   GroupSet net_and_hobby;
   net_and_hobby.Add(1);
   net_and_hobby.Add(3);
   EXPECT_EQ(NameField(std::string(41, 'L')), std::string(41, 'L'));
-  EXPECT_EQ(Field("A").size(), 41u);
-  EXPECT_EQ(
-      FileechoListText(ctx_, net_and_hobby, true),
-      Field("BETA") + "Beta files\n" + Field("linux") + "Linux\n" + Field(kLongTag) + "Long\n");
+  EXPECT_EQ(FileechoListText(ctx_, net_and_hobby, true), NameField("BETA") + "Beta files\n" +
+                                                             NameField("linux") + "Linux\n" +
+                                                             NameField(kLongTag) + "Long\n");
   EXPECT_EQ(FileechoListText(ctx_, net_and_hobby, false),
-            Field("BETA") + "\n" + Field("linux") + "\n" + Field(kLongTag) + "\n");
+            NameField("BETA") + "\n" + NameField("linux") + "\n" + NameField(kLongTag) + "\n");
   EXPECT_EQ(DestDirsText(ctx_), "KESTRA 6.1.7 Fileecho area destination directories\n\n" +
-                                    Field("ALPHA") + "/files/ALPHA\n" + Field("BETA") +
-                                    "/files/BETA\n" + Field("linux") + "/files/linux\n" +
-                                    Field(kLongTag) + "/files/XXXXX\n");
+                                    NameField("ALPHA") + "/files/ALPHA\n" + NameField("BETA") +
+                                    "/files/BETA\n" + NameField("linux") + "/files/linux\n" +
+                                    NameField(kLongTag) + "/files/XXXXX\n");
   // An index that does not fit its data (an entry past the end) is rebuilt, not trusted.
   const std::string dirs = *DestDirsText(ctx_);
   std::string index = File("FAREAS.IDX");
@@ -107,10 +102,10 @@ TEST_F(ExportTest, NodeBreakdown) {
             "KESTRA 6.1.7  Nodes -> Fileechos break down\n\n"
             "1:2/3\nIdle\n  \n\n"
             "2:280/1\nHub\n  " +
-                Field("ALPHA") + Field("BETA") + "\n  " + Field("linux") +
+                NameField("ALPHA") + NameField("BETA") + "\n  " + NameField("linux") +
                 "\n\n"
                 "2:280/5.1\nPoint\n  " +
-                Field("linux") + Field(kLongTag) + "\n  \n\n");
+                NameField("linux") + NameField(kLongTag) + "\n  \n\n");
 }
 
 TEST_F(ExportTest, CrossCheckReadsEachListInItsFormat) {
@@ -170,7 +165,7 @@ TEST_F(ExportTest, WindowPromptsAndGroupChoice) {
   RunExportMenu(ctx_);
   EXPECT_FALSE(dir_.Has("ECHOLIST.TXT"));
   EXPECT_FALSE(dir_.Has("TAGLIST.TXT"));
-  EXPECT_EQ(File("T.OUT"), Field("linux") + "\n");
+  EXPECT_EQ(File("T.OUT"), NameField("linux") + "\n");
   EXPECT_EQ(File("DESTDIRS.TXT"), *DestDirsText(ctx_));
 }
 

@@ -56,12 +56,14 @@ test-sanitize: deps
 
 # The fuzz targets for $(FUZZ_TIME) seconds each, starting from fuzz/corpus/ (the record
 # database), fuzz/corpus-lists/ (the group and magic file name lists) and
-# fuzz/corpus-templates/ (templates with the caller's data). New
+# fuzz/corpus-templates/ (templates with the caller's data), and the import readers from
+# fuzz/corpus-import-<format>/ (AREAFILE.GE, FASTECHO.CFG, FMAIL.AR, the text files). New
 # inputs go to a temporary directory; a failing input is saved in $(FUZZ_BUILD)/.
 fuzz: deps
 	@test -f $(FUZZ_BUILD)/build.ninja || CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -G Ninja \
 	  -DKS_FUZZ=ON -DKS_WERROR=ON
-	cmake --build $(FUZZ_BUILD) --target dbase_fuzz lists_fuzz template_fuzz
+	cmake --build $(FUZZ_BUILD) --target dbase_fuzz lists_fuzz template_fuzz \
+	  import_gecho_fuzz import_fastecho_fuzz import_fmail_fuzz import_text_fuzz
 	@d=$$(mktemp -d) && \
 	$(FUZZ_BUILD)/dbase_fuzz -max_total_time=$(FUZZ_TIME) -max_len=8192 -print_final_stats=1 \
 	  -artifact_prefix=$(FUZZ_BUILD)/ $$d fuzz/corpus; s=$$?; rm -rf $$d; exit $$s
@@ -72,6 +74,10 @@ fuzz: deps
 	$(FUZZ_BUILD)/template_fuzz -max_total_time=$(FUZZ_TIME) -max_len=65536 -timeout=20 \
 	  -print_final_stats=1 -artifact_prefix=$(FUZZ_BUILD)/ $$d fuzz/corpus-templates; \
 	  s=$$?; rm -rf $$d; exit $$s
+	@for f in gecho fastecho fmail text; do d=$$(mktemp -d) && \
+	$(FUZZ_BUILD)/import_$${f}_fuzz -max_total_time=$(FUZZ_TIME) -max_len=16384 -timeout=10 \
+	  -print_final_stats=1 -artifact_prefix=$(FUZZ_BUILD)/ $$d fuzz/corpus-import-$$f; \
+	  s=$$?; rm -rf $$d; [ $$s = 0 ] || exit $$s; done
 
 bench: build
 	$(BUILD)/bench_startup $(BUILD)/ksetup $(BUILD)
@@ -83,6 +89,7 @@ bench: build
 	$(BUILD)/bench_editor
 	$(BUILD)/bench_template
 	$(BUILD)/bench_export
+	$(BUILD)/bench_import
 
 format:
 	clang-format -i $$(git ls-files '*.cpp' '*.h')

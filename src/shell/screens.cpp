@@ -15,6 +15,7 @@
 #include "sysdata/sysdata.h"
 #include "templateview/template_viewer.h"
 #include "transfer/export_menu.h"
+#include "transfer/import_menu.h"
 #include "transfer/transfer.h"
 #include "tui/colourmenu.h"
 #include "tui/picklist.h"
@@ -144,6 +145,7 @@ void RegisterScreens() {
   Fill(acts.echomail[3], List(RunPackManager));
   Fill(acts.utilities[1], [] { RunTemplateList(MakeTemplateContext()); });
   Fill(acts.utilities[2], [] { RunExportMenu(MakeTransferContext()); });
+  Fill(acts.utilities[3], [] { RunImportMenu(MakeTransferContext()); });
   Fill(acts.utilities[4], List(RunUplinkRequests));
   Fill(acts.main[kSystemData], Settings(RunSystemDataMenu));
   Fill(acts.main[kRequestProcessor], Settings(RunRequestProcessor));

@@ -156,9 +156,9 @@ ImportList ParseFastEcho146(std::string_view b) {
     if (UnusedName(b, at) || (board & 0x8000) || ((flags >> 4) & 0xF) != 0) continue;
     ImportArea a;
     a.tag = FixedStr(b, at, 52);
-    a.group = LetterGroup(static_cast<std::uint8_t>(b[at + 61]));
-    if (static_cast<std::uint8_t>(b[at + 61]) >= 26 && static_cast<std::uint8_t>(b[at + 61]) < 32)
-      a.group = static_cast<std::uint8_t>(b[at + 61] + 1);
+    // Groups A-Z, then 1-6: 0..31 become 1..32.
+    const auto group = static_cast<std::uint8_t>(b[at + 61]);
+    a.group = group < 32 ? static_cast<std::uint8_t>(group + 1) : 0;
     a.visible = !(Le16(b, at + 64) & 0x0400);
     a.days = Le16(b, at + 76);
     a.msgs = Le16(b, at + 78);

@@ -83,6 +83,29 @@ TEST(ImportBinaryTest, FmailOldAndNewLayouts) {
   }
 }
 
+// Records a file marks as removed, deleted or local are passed over, the rest still read.
+TEST(ImportBinaryTest, RemovedDeletedAndLocalAreasAreLeftOut) {
+  auto poke = [](std::string s, std::size_t at, std::uint8_t bit) {
+    s[at] = static_cast<char>(s[at] | bit);
+    return s;
+  };
+  const std::size_t ge_second = 6 + (244 + 4 * 9);
+  const std::size_t fe_first = 4644 + 96;  // one node record of 95 + 1 bitmap bytes
+  const std::size_t fm_second = 50 + 1024;
+  const std::vector<ImportList> lists = {
+      ParseGecho120(poke(test::GechoFile(Areas(), 4, 1), ge_second + 227, 0x10)),
+      ParseGecho120(poke(test::GechoFile(Areas(), 4, 1), ge_second + 241, 1)),  // netmail
+      ParseFastEcho146(poke(test::FastEchoFile({kA}, Areas()), fe_first + 53, 0x80)),
+      ParseFmailAr(poke(test::FmailFile(Areas(), false), fm_second + 107, 0x01)),
+  };
+  for (const auto& l : lists) {
+    ASSERT_TRUE(l.ok()) << l.error;
+    ASSERT_EQ(l.areas.size(), 1u);
+  }
+  EXPECT_EQ(lists[2].areas[0].tag, "PASS");
+  EXPECT_EQ(lists[3].areas[0].tag, "LINUX");
+}
+
 // Every damaged file is refused with its fault; none is read past its end.
 TEST(ImportBinaryTest, DamagedFilesAreRefusedWithTheirFault) {
   const std::string ge = test::GechoFile(Areas(), 4, 1);

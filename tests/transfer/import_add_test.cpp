@@ -75,7 +75,8 @@ TEST_F(ImportAddTest, ConferencesAndTheirSystemsAreAddedOnceEach) {
   EXPECT_EQ(n.sysop.str(), "Sysop");
   EXPECT_EQ(n.ticPassword.str(), "pw");
   EXPECT_EQ(n.ticMode, tmAdvanced);
-  EXPECT_EQ(n.options, kNodeAllowAutoAdd);
+  const std::uint16_t options = n.options;  // a packed member, read before it is compared
+  EXPECT_EQ(options, kNodeAllowAutoAdd);
   areas.Close();
   nodes.Close();
 

@@ -4,7 +4,9 @@
 #include <filesystem>
 #include <memory>
 
+#include "common/cp437.h"
 #include "common/fileutil.h"
+#include "common/wordwrap.h"
 #include "transfer/import_add.h"
 #include "tui/dialog.h"
 #include "tui/inputline.h"
@@ -17,33 +19,10 @@ namespace {
 
 constexpr int kPathLength = 255;
 
-bool SameNoCase(const std::string& a, const std::string& b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    const auto fold = [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; };
-    if (fold(a[i]) != fold(b[i])) return false;
-  }
-  return true;
-}
-
-// A prompt wider than a box on an 80-column screen is broken at the last blank that fits.
-std::vector<std::string> PromptLines(const std::string& prompt, std::size_t width) {
-  std::vector<std::string> lines;
-  std::string rest = prompt;
-  while (rest.size() > width) {
-    std::size_t cut = rest.rfind(' ', width);
-    if (cut == std::string::npos || cut == 0) cut = width;
-    lines.push_back(rest.substr(0, cut));
-    rest = rest.substr(cut + (rest[cut] == ' ' ? 1 : 0));
-  }
-  lines.push_back(rest);
-  return lines;
-}
-
 // The path and name of a file, asked for in a box with the prompt above the entry line.
 std::optional<std::string> AskFileName(const TransferContext& ctx, const std::string& prompt) {
   constexpr int kWidth = 76;
-  const auto lines = PromptLines(prompt, kWidth - 4);
+  const auto lines = WrapWords(prompt, kWidth - 4);  // a long prompt takes two lines
   const Dialog d = Dialog::Centred(kWidth, static_cast<int>(lines.size()) + 3, "Import data");
   for (std::size_t i = 0; i < lines.size(); ++i)
     scr().WriteStr(d.left() + 2, d.top() + 1 + static_cast<int>(i), ui().colours[kWindowText],
@@ -89,7 +68,7 @@ std::string FindFileNoCase(const std::string& dir, const std::string& name) {
   if (FileExists(exact)) return exact;
   std::error_code ec;
   for (std::filesystem::directory_iterator it(dir, ec), end; !ec && it != end; it.increment(ec))
-    if (SameNoCase(it->path().filename().string(), name) && FileExists(it->path().string()))
+    if (Upper(it->path().filename().string()) == Upper(name) && FileExists(it->path().string()))
       return it->path().string();
   return {};
 }

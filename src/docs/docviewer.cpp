@@ -163,15 +163,10 @@ void DocViewer::Print() {
 }
 
 void DocViewer::Fit() {
-  Screen& s = scr();
-  if (!beneath_.empty() && right_ == s.Width() && bottom_row_ == s.Height() - 1) return;
   const auto& c = ui().colours;
-  if (!beneath_.empty()) s.Restore(beneath_);
-  right_ = s.Width();
-  bottom_row_ = s.Height() - 1;
-  beneath_ = s.Save(left_, top_row_, right_, s.Height());
-  s.FillRect(left_, top_row_, right_, bottom_row_, ' ', c[kHelpText]);
-  DrawFrame(left_, top_row_, right_, bottom_row_, c[kHelpFrame], kDoubleFrame);
+  if (!scr().FitFullWindow(left_, top_row_, right_, bottom_row_, beneath_, c[kHelpText],
+                           c[kHelpFrame]))
+    return;
   DrawFrameTitle(right_, top_row_, c[kHelpTitle], title_);
   ShowStatus(kViewerKeyLine);
 }

@@ -156,15 +156,10 @@ bool TextEditor::Load() {
 }
 
 void TextEditor::Fit() {
-  Screen& s = scr();
-  if (!beneath_.empty() && right_ == s.Width() && bottom_row_ == s.Height() - 1) return;
   const auto& c = ui().colours;
-  if (!beneath_.empty()) s.Restore(beneath_);
-  right_ = s.Width();
-  bottom_row_ = s.Height() - 1;
-  beneath_ = s.Save(left_, top_row_, right_, s.Height());
-  s.FillRect(left_, top_row_, right_, bottom_row_, ' ', c[kEditText]);
-  DrawFrame(left_, top_row_, right_, bottom_row_, c[kEditFrame], kDoubleFrame);
+  if (!scr().FitFullWindow(left_, top_row_, right_, bottom_row_, beneath_, c[kEditText],
+                           c[kEditFrame]))
+    return;
   // A long name keeps its end, where the file name is.
   std::string title = path_;
   const auto room = static_cast<std::size_t>(std::max(10, right_ - left_ - 8));

@@ -1,5 +1,7 @@
 #include "tui/screen.h"
 
+#include "tui/frame.h"
+
 #include <algorithm>
 
 namespace ks {
@@ -204,6 +206,18 @@ void Screen::RunOutside(const std::function<void()>& fn) {
 std::uint8_t Screen::ReadKey() {
   Flush();
   return term_.ReadByte();
+}
+
+bool Screen::FitFullWindow(int left, int top, int& right, int& bottom, Saved& beneath,
+                           std::uint8_t fill, std::uint8_t frame) {
+  if (!beneath.empty() && right == Width() && bottom == Height() - 1) return false;
+  if (!beneath.empty()) Restore(beneath);
+  right = Width();
+  bottom = Height() - 1;
+  beneath = Save(left, top, right, Height());
+  FillRect(left, top, right, bottom, ' ', fill);
+  DrawFrame(left, top, right, bottom, frame, kDoubleFrame);
+  return true;
 }
 
 std::uint8_t Screen::ReadCodeFitted(const std::function<void()>& draw, bool* extended) {

@@ -123,6 +123,12 @@ class Screen {
   std::uint8_t ReadCode(bool* extended = nullptr);
   // For windows that fill the screen: `draw` lays the window out for the current size and
   // draws it, now and again after every resize while the key is awaited.
+  // Lays out a framed window from (left, top) to the right edge and the row above the status
+  // line, as the windows that fill the screen have it: the cells beneath are saved (those of
+  // an earlier layout put back first), the inside is filled with `fill` and the double frame
+  // drawn in `frame`. False, and nothing drawn, when it already fits the screen's size.
+  bool FitFullWindow(int left, int top, int& right, int& bottom, Saved& beneath, std::uint8_t fill,
+                     std::uint8_t frame);
   std::uint8_t ReadCodeFitted(const std::function<void()>& draw, bool* extended = nullptr);
 
   // True when a key is waiting to be read.
